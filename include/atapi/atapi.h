@@ -1,0 +1,11 @@
+/* The whole atapi interface. */
+#ifndef ATAPI_ATAPI_H
+#define ATAPI_ATAPI_H
+
+#include "at_link.h"
+#include "at_parse.h"
+#include "at_send.h"
+#include "at_text.h"
+#include "at_types.h"
+
+#endif

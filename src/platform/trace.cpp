@@ -1,0 +1,79 @@
+#include "trace.h"
+
+#include <atomic>
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <mutex>
+
+namespace {
+
+struct SinkSlot {
+    std::mutex lock;
+    PlatformLogSink sink = nullptr;
+    void *ctx = nullptr;
+};
+
+SinkSlot &Slot() {
+    static SinkSlot slot;
+    return slot;
+}
+
+int InitialThreshold() {
+    const char *env = std::getenv("ATAPI_TRACE_LEVEL");
+    return env != nullptr ? std::atoi(env) : TRACE_LEVEL_ERROR;
+}
+
+std::atomic<int> &Threshold() {
+    static std::atomic<int> threshold{InitialThreshold()};
+    return threshold;
+}
+
+void Emit(const char *channel, const char *source, int level, const char *format, va_list ap) {
+    char text[2048];
+    std::vsnprintf(text, sizeof text, format, ap);
+    SinkSlot &slot = Slot();
+    {
+        std::lock_guard<std::mutex> guard(slot.lock);
+        if (slot.sink != nullptr) {
+            slot.sink(slot.ctx, channel, source, level, text);
+            return;
+        }
+    }
+    if (level <= Threshold().load(std::memory_order_relaxed)) {
+        std::fprintf(stderr, "[%s %d] %s: %s", channel, level, source != nullptr ? source : "", text);
+    }
+}
+
+}  // namespace
+
+extern "C" {
+
+void UMO_TRACE_PrintInfo(const char *sourcePath, int line, int module, const char *name, int level,
+                         const char *format, ...) {
+    (void)line;
+    (void)module;
+    (void)name;
+    va_list ap;
+    va_start(ap, format);
+    Emit("trace", sourcePath, level, format, ap);
+    va_end(ap);
+}
+
+void mlog_print(const char *name, int level, const char *format, ...) {
+    va_list ap;
+    va_start(ap, format);
+    Emit("mlog", name, level, format, ap);
+    va_end(ap);
+}
+
+void PlatformSetLogSink(PlatformLogSink sink, void *ctx) {
+    SinkSlot &slot = Slot();
+    std::lock_guard<std::mutex> guard(slot.lock);
+    slot.sink = sink;
+    slot.ctx = ctx;
+}
+
+void PlatformSetLogThreshold(int level) { Threshold().store(level, std::memory_order_relaxed); }
+
+}  // extern "C"

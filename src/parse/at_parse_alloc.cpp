@@ -1,0 +1,85 @@
+#include "parse/at_parse_alloc.h"
+
+#include <atomic>
+#include <cstdlib>
+#include <cstring>
+
+#include "platform/bounded.h"
+
+namespace atapi {
+namespace {
+
+AtParseAllocHooks g_hooks;
+std::atomic<bool> g_hooksInstalled{false};
+uint64_t g_requestCount = 0;
+
+// True when the installed hooks ask this request to fail.
+bool HookFailsRequest() {
+    ++g_requestCount;
+    return g_hooks.failAt != 0 && g_requestCount == g_hooks.failAt;
+}
+
+}  // namespace
+
+void AtParseSetAllocHooks(const AtParseAllocHooks *hooks) {
+    g_hooksInstalled.store(false, std::memory_order_release);
+    g_hooks = hooks != nullptr ? *hooks : AtParseAllocHooks{};
+    g_requestCount = 0;
+    g_hooksInstalled.store(hooks != nullptr, std::memory_order_release);
+}
+
+void *AtParseAlloc(size_t bytes) {
+    if (bytes == 0) return nullptr;
+    const bool hooked = g_hooksInstalled.load(std::memory_order_acquire);
+    if (hooked && HookFailsRequest()) return nullptr;
+    void *block = std::calloc(1, bytes);
+    if (block != nullptr && hooked && g_hooks.onAlloc != nullptr) {
+        g_hooks.onAlloc(g_hooks.ctx, block, bytes);
+    }
+    return block;
+}
+
+void AtParseRelease(void *block, size_t bytes) {
+    if (block == nullptr) return;
+    if (bytes != 0) memset_s(block, bytes, 0, bytes);
+    if (g_hooksInstalled.load(std::memory_order_acquire) && g_hooks.onFree != nullptr) {
+        g_hooks.onFree(g_hooks.ctx, block);
+    }
+    std::free(block);
+}
+
+void AtParseFreeString(char *text) {
+    if (text == nullptr) return;
+    AtParseRelease(text, std::strlen(text));
+}
+
+char *AtParseStrDup(std::string_view text) {
+    auto *copy = static_cast<char *>(AtParseAlloc(text.size() + 1));
+    if (copy != nullptr && !text.empty()) memcpy_s(copy, text.size() + 1, text.data(), text.size());
+    return copy;
+}
+
+AtCmdParseNode *AtParseNewNode() {
+    return static_cast<AtCmdParseNode *>(AtParseAlloc(sizeof(AtCmdParseNode)));
+}
+
+ParseText ParseText::Copy(std::string_view text) {
+    ParseText buffer(text.size() + 1);
+    if (buffer.Get() != nullptr && !text.empty()) {
+        memcpy_s(buffer.Get(), buffer.Size(), text.data(), text.size());
+    }
+    return buffer;
+}
+
+ParseText &ParseText::operator=(ParseText &&other) noexcept {
+    if (this != &other) {
+        AtParseRelease(text_, size_);
+        text_ = other.text_;
+        size_ = other.size_;
+        other.text_ = nullptr;
+        other.size_ = 0;
+    }
+    return *this;
+}
+
+}  // namespace atapi

@@ -1,0 +1,79 @@
+// Heap blocks of the parse layer: node strings, nodes, split arrays and work
+// copies all come from AtParseAlloc and go back through AtParseRelease, so
+// that one seam sees every block (tests use it to prove that blocks are wiped
+// before they are freed, to count allocations and to fail them).
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+#include "atapi/at_types.h"
+
+namespace atapi {
+
+// A zero-filled block of the given size; 0 bytes gives null without calling
+// the allocator. Null means the allocation failed.
+void *AtParseAlloc(size_t bytes);
+
+// Overwrites the first bytes of block with zeros (a write the compiler
+// keeps), then frees it; null is allowed. Every block of the parse layer is
+// released this way: nodes and their strings may carry PINs and keys.
+void AtParseRelease(void *block, size_t bytes);
+
+// Wipes a string over its length and frees it; null is allowed. A node string
+// must hold nothing behind its terminator (the parse layer zeroes that tail
+// when it trims in place), so this clears the whole block.
+void AtParseFreeString(char *text);
+
+// A NUL-terminated heap copy of text; null when the allocation failed.
+char *AtParseStrDup(std::string_view text);
+
+// A zeroed node; null when the allocation failed.
+AtCmdParseNode *AtParseNewNode();
+
+// Owns a heap text buffer of a known size and releases it (wiped).
+class ParseText {
+  public:
+    ParseText() = default;
+    // Allocates a zeroed buffer of bytes; Get() is null when that failed.
+    explicit ParseText(size_t bytes)
+        : text_(static_cast<char *>(AtParseAlloc(bytes))), size_(bytes) {}
+    // Copies text with a terminator; Get() is null when that failed.
+    static ParseText Copy(std::string_view text);
+    ParseText(ParseText &&other) noexcept : text_(other.text_), size_(other.size_) {
+        other.text_ = nullptr;
+        other.size_ = 0;
+    }
+    ParseText &operator=(ParseText &&other) noexcept;
+    ParseText(const ParseText &) = delete;
+    ParseText &operator=(const ParseText &) = delete;
+    ~ParseText() { AtParseRelease(text_, size_); }
+
+    char *Get() const { return text_; }
+    size_t Size() const { return size_; }
+
+  private:
+    char *text_ = nullptr;
+    size_t size_ = 0;
+};
+
+// ---- Test seam -------------------------------------------------------------
+
+struct AtParseAllocHooks {
+    void *ctx = nullptr;
+    // Called after every successful allocation with the block and its size.
+    void (*onAlloc)(void *ctx, void *block, size_t bytes) = nullptr;
+    // Called with every non-null block just before it is freed: the bytes are
+    // still readable there.
+    void (*onFree)(void *ctx, void *block) = nullptr;
+    // The n-th allocation request (1-based, counted from installation) fails;
+    // 0: none fails.
+    uint64_t failAt = 0;
+};
+
+// Installs hooks (copied); null removes them. Not for concurrent use: install
+// before the parsing under test starts and remove after it ends.
+void AtParseSetAllocHooks(const AtParseAllocHooks *hooks);
+
+}  // namespace atapi

@@ -51,7 +51,9 @@ int Send(int qid, const void *msg, uint32_t length, int flags) {
     const char *payload = static_cast<const char *>(msg) + kTypeWordSize;
     if (memcpy_s(wire.payload, sizeof wire.payload, payload, payloadLen) != 0) return 0;
     if (msgsnd(qid, &wire, payloadLen, flags) != 0) {
-        AT_LOG_ERR("Error! errno = %d\n", errno);
+        const int err = errno;  // callers report it
+        AT_LOG_ERR("Error! errno = %d\n", err);
+        errno = err;
         return 0;
     }
     return 1;

@@ -18,11 +18,17 @@ TEST(AtCharToHex, ValueAndInPlaceUpperCase) {
         char after;
     };
     const Case cases[] = {
-        {'0', 0, '0'},  {'9', 9, '9'},  {'A', 10, 'A'}, {'F', 15, 'F'}, {'a', 10, 'A'},
-        {'f', 15, 'F'}, {'g', 16, 'G'}, {'z', 35, 'Z'}, {'{', 36, '['},  // any code above 96 is
-                                                                         // shifted down by 32,
-                                                                         // unchecked
-        {'`', 41, '`'},                                                  // 96 itself is left alone
+        {'0', 0, '0'},
+        {'9', 9, '9'},
+        {'A', 10, 'A'},
+        {'F', 15, 'F'},
+        {'a', 10, 'A'},
+        {'f', 15, 'F'},
+        {'g', 16, 'G'},
+        {'z', 35, 'Z'},
+        // Any code above 96 is shifted down by 32, unchecked; 96 itself is left alone.
+        {'{', 36, '['},
+        {'`', 41, '`'},
     };
     for (const Case &c : cases) {
         char ch = c.in;

@@ -74,7 +74,7 @@ ATAPI_EXPORT extern constexpr AtParseHandler g_networkCfgHandlers[] = {
     kRows.Row("^ERRCCAPQRY", Q("^ERRCCAPQRY:cap_type,para1,para2,para3")),
     kRows.Row("^LTEPWRCTRL", Q("^LTEPWRCTRL:Mode,Para")),
     kRows.Row("^CGAS", Q("arfcn,bsic,rxlev", ParseAtCgasStr)),
-    kRows.Row("^TRANSMODE", Q("^TRANSMODE:state")),  // never reached: the row above wins
+    kRows.Row("^TRANSMODE", Q("^TRANSMODE:state")),  // never reached: the earlier row wins
     kRows.Row("^LTEATTACHINFO", Q("^LTEATTACHINFO:PDP_type,APN")),
     kRows.Row("^CASCELLINFO", Q("^CASCELLINFO:index, pci, rssi, rsrp, rsrq,band_class, ulfreqpoint, dlfreqpoint, ulfreq, dlfreq, ulbw, dlbw")),
     kRows.Row("^SINGLEPDNSWITCH", Q("^SINGLEPDNSWITCH:enable")),

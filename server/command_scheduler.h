@@ -1,0 +1,91 @@
+// Serves requests on the modem one at a time, in arrival order, and keeps
+// the conversation with the modem in step: the running command collects its
+// lines until a final result; an aborted command's late lines are discarded
+// until its final result (or a bounded wait); a silent modem is cut short by
+// a guard timer; a lost port answers everything with ERROR.
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "atapi/at_types.h"
+#include "reply_builder.h"
+#include "request_queues.h"
+#include "urc_filter.h"
+
+namespace atserver {
+
+class CommandScheduler {
+  public:
+    // What the scheduler asks of the event loop.
+    class Io {
+      public:
+        virtual void WriteToModem(const std::string &bytes) = 0;
+        virtual void SendReply(const AtSrvMsg &record) = 0;
+        virtual void Report(const std::string &line) = 0;
+
+      protected:
+        ~Io() = default;
+    };
+
+    enum class TickResult { kNone, kProbeFailed };
+
+    CommandScheduler(Io &io, const UrcFilter &urc) : io_(io), urc_(urc) {}
+
+    // The port is open: probe it with "AT" until OK, for at most probeWindowMs.
+    void OnModemUp(int64_t nowMs, int64_t probeWindowMs);
+    // The port is gone: the running and queued requests are answered ERROR.
+    void OnModemDown();
+    bool ModemReady() const { return state_ == ModemState::kReady; }
+
+    void OnRequest(const AtSrvMsg &msg, RecordKind kind, int64_t nowMs);
+    void OnLine(const std::string &line, int64_t nowMs);
+    // Guard, drain and probe timers.
+    TickResult OnTick(int64_t nowMs);
+
+  private:
+    enum class ModemState { kDown, kProbing, kReady };
+
+    struct Running {
+        AtSrvMsg request;
+        std::string cmd;
+        std::string atName;
+        std::vector<std::string> lines;
+        int64_t startedMs;
+        int64_t guardMs;
+    };
+
+    struct Draining {
+        std::string cmd;
+        int64_t untilMs;
+    };
+
+    void HandleControl(const AtSrvMsg &msg, int64_t nowMs);
+    void Abort(int32_t mtype, const std::string &text, int64_t nowMs);
+    // Answers ERROR to every queued request for which pick is true.
+    template <typename Pick>
+    size_t Clear(Pick pick);
+    void OnCommandLine(const std::string &line, int64_t nowMs);
+    void OnDrainLine(const std::string &line);
+    void OnProbeLine(const std::string &line, int64_t nowMs);
+    void Unsolicited(const std::string &line, std::string_view atName, std::string_view cmd);
+    void Complete(int32_t retVal, const std::string &finalLine, int64_t nowMs);
+    void AbortRunning(const char *why, int64_t nowMs);
+    void StartNext(int64_t nowMs);
+    void Answer(const AtSrvMsg &request, const ReplyText &reply);
+
+    Io &io_;
+    const UrcFilter &urc_;
+    ModemState state_ = ModemState::kDown;
+    int64_t probeDeadlineMs_ = 0;
+    int64_t nextProbeMs_ = 0;
+    std::deque<AtSrvMsg> pending_;
+    std::optional<Running> running_;
+    std::optional<Draining> draining_;
+    size_t reportLinesToFollow_ = 0;
+};
+
+}  // namespace atserver

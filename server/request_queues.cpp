@@ -1,0 +1,147 @@
+#include "request_queues.h"
+
+#include <sys/ipc.h>
+#include <sys/msg.h>
+
+#include <cerrno>
+#include <cstring>
+
+#include "atapi/at_link.h"
+#include "bounded.h"
+#include "link/ats_paths.h"
+#include "runtime_files.h"
+#include "server_log.h"
+
+namespace atserver {
+namespace {
+
+constexpr uint32_t kQueueMsgs = 10;
+constexpr size_t kTypeWordSize = 4;
+
+// Receive buffer: larger than any valid record, so that an oversized record
+// is taken (cut short by MSG_NOERROR) and recognised, instead of staying at
+// the head of the queue for ever.
+struct WireRecord {
+    long mtype;
+    char payload[2 * AT_SRV_MSG_PAYLOAD];
+};
+
+bool Terminated(const char *text, size_t capacity) {
+    return std::memchr(text, '\0', capacity) != nullptr;
+}
+
+void RemoveStaleQueue(int projId) {
+    const key_t key = ftok(atapi::QueueKeyDir(), projId);
+    if (key == -1) return;
+    const int qid = msgget(key, 0);
+    if (qid == -1) return;
+    Logf("removing queue %d (project id %d) left by an earlier run", qid, projId);
+    msgctl(qid, IPC_RMID, nullptr);
+}
+
+// Receives one record without waiting: its payload length, or -1.
+ssize_t ReceiveRaw(int qid, WireRecord *wire) {
+    for (;;) {
+        const ssize_t got = msgrcv(qid, wire, sizeof wire->payload, 0, IPC_NOWAIT | MSG_NOERROR);
+        if (got >= 0 || errno != EINTR) return got;
+    }
+}
+
+}  // namespace
+
+RecordKind ClassifyRecord(const AtSrvMsg &msg, size_t payloadLen) {
+    if (payloadLen != AT_SRV_MSG_PAYLOAD) return RecordKind::kMalformed;
+    switch (msg.reqType) {
+        case AT_REQ_ABORT:
+        case AT_REQ_CLEAR:
+        case AT_REQ_CLEAR_ALL:
+            return RecordKind::kControl;
+        case AT_REQ_COMMAND:
+            break;
+        default:
+            return RecordKind::kMalformed;
+    }
+    const AtSrvSndMsg &sMsg = msg.sndRcvMsg.sMsg;
+    if (!Terminated(sMsg.atName, sizeof sMsg.atName) ||
+        !Terminated(sMsg.atCmdStr, sizeof sMsg.atCmdStr) || sMsg.atCmdStr[0] == '\0' ||
+        std::strpbrk(sMsg.atCmdStr, "\r\n") != nullptr) {
+        return RecordKind::kBadCommand;
+    }
+    return RecordKind::kCommand;
+}
+
+RequestQueues::~RequestQueues() { Destroy(); }
+
+bool RequestQueues::Create() {
+    if (!MakeDirectories(atapi::QueueKeyDir())) {
+        Logf("cannot create the queue key directory %s: %s", atapi::QueueKeyDir(),
+             std::strerror(errno));
+        return false;
+    }
+    RemoveStaleQueue(atapi::kServerRecvProjId);
+    RemoveStaleQueue(atapi::kServerSendProjId);
+    requestQid_ = AtsMsgQueueCreate(atapi::kServerRecvProjId, kQueueMsgs, AT_SRV_MSG_SIZE);
+    replyQid_ = AtsMsgQueueCreate(atapi::kServerSendProjId, kQueueMsgs, AT_SRV_MSG_SIZE);
+    if (requestQid_ == -1 || replyQid_ == -1) {
+        Logf("cannot create the queues (request %d, reply %d)", requestQid_, replyQid_);
+        Destroy();
+        return false;
+    }
+    Logf("queues created: requests %d, replies %d", requestQid_, replyQid_);
+    return true;
+}
+
+void RequestQueues::Destroy() {
+    if (requestQid_ != -1) AtsMsgQueueDelete(requestQid_);
+    if (replyQid_ != -1) AtsMsgQueueDelete(replyQid_);
+    requestQid_ = -1;
+    replyQid_ = -1;
+}
+
+void RequestQueues::TakeAll(std::vector<AtSrvMsg> *out) {
+    if (requestQid_ == -1) return;
+    WireRecord wire;
+    for (;;) {
+        const ssize_t got = ReceiveRaw(requestQid_, &wire);
+        if (got < 0) {
+            if (errno != ENOMSG) Logf("request queue read failed: %s", std::strerror(errno));
+            return;
+        }
+        AtSrvMsg msg{};
+        msg.mtype = static_cast<int32_t>(wire.mtype);
+        const size_t payloadLen = static_cast<size_t>(got);
+        memcpy_s(reinterpret_cast<char *>(&msg) + kTypeWordSize, AT_SRV_MSG_PAYLOAD, wire.payload,
+                 payloadLen < AT_SRV_MSG_PAYLOAD ? payloadLen : AT_SRV_MSG_PAYLOAD);
+        if (ClassifyRecord(msg, payloadLen) == RecordKind::kMalformed) {
+            Logf("dropped a malformed record from %d: %zu bytes, reqType %u", msg.mtype, payloadLen,
+                 msg.reqType);
+            continue;
+        }
+        out->push_back(msg);
+    }
+}
+
+RequestQueues::SendResult RequestQueues::SendReply(const AtSrvMsg &reply) {
+    // Sent here rather than through the library's queue layer: a full queue is
+    // an expected, retried condition for atserver, not an error to log.
+    WireRecord wire;
+    wire.mtype = reply.mtype;
+    memcpy_s(wire.payload, sizeof wire.payload,
+             reinterpret_cast<const char *>(&reply) + kTypeWordSize, AT_SRV_MSG_PAYLOAD);
+    for (;;) {
+        if (msgsnd(replyQid_, &wire, AT_SRV_MSG_PAYLOAD, IPC_NOWAIT) == 0) return SendResult::kSent;
+        if (errno == EAGAIN) return SendResult::kFull;
+        if (errno != EINTR) break;
+    }
+    Logf("reply to %d failed: %s", reply.mtype, std::strerror(errno));
+    return SendResult::kFailed;
+}
+
+bool RequestQueues::DropOldestReply() {
+    WireRecord wire;
+    if (ReceiveRaw(replyQid_, &wire) < 0) return false;
+    Logf("reply queue full: dropped an unread reply to %ld", wire.mtype);
+    return true;
+}
+
+}  // namespace atserver

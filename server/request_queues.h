@@ -1,0 +1,50 @@
+// atserver's two queues: requests come in on one (project id 2), replies go
+// out on the other (project id 1).
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+#include "atapi/at_types.h"
+
+namespace atserver {
+
+// What a received record asks for.
+enum class RecordKind {
+    kCommand,     // reqType 0 with a usable command line
+    kBadCommand,  // reqType 0 that cannot be sent to the modem: answered ERROR
+    kControl,     // reqType 6, 7 or 8
+    kMalformed,   // wrong size or unknown reqType: dropped
+};
+
+// payloadLen is the size of the record behind its type word as received.
+RecordKind ClassifyRecord(const AtSrvMsg &msg, size_t payloadLen);
+
+class RequestQueues {
+  public:
+    RequestQueues() = default;
+    ~RequestQueues();
+    RequestQueues(const RequestQueues &) = delete;
+    RequestQueues &operator=(const RequestQueues &) = delete;
+
+    // Removes the queues a crashed run left behind and creates both.
+    bool Create();
+    // Deletes both queues (also done by the destructor).
+    void Destroy();
+
+    // Takes every record waiting in the request queue, without waiting.
+    // Malformed records are logged and dropped; the rest are appended to *out.
+    void TakeAll(std::vector<AtSrvMsg> *out);
+
+    enum class SendResult { kSent, kFull, kFailed };
+    SendResult SendReply(const AtSrvMsg &reply);
+    // Drops the oldest unread reply (the queue is full of replies that no
+    // client came for). False when there was none.
+    bool DropOldestReply();
+
+  private:
+    int requestQid_ = -1;
+    int replyQid_ = -1;
+};
+
+}  // namespace atserver

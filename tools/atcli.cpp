@@ -1,0 +1,47 @@
+// atcli: the library's exported functions from the command line.
+#include <cstdio>
+#include <string_view>
+#include <vector>
+
+#include "atcli_common.h"
+#include "atcli_raw.h"
+#include "trace.h"
+
+namespace {
+
+void PrintUsage(std::FILE *out) {
+    std::fputs(
+        "usage: atcli [-v] raw \"AT...\" [--prefix P] [--timeout SECONDS] [--json]\n"
+        "  raw   send one command line through atserver; prints the result class\n"
+        "        (\"OK (2)\", \"CME ERROR (3)\", ...) and the reply text\n"
+        "  -v    show the library's log\n"
+        "exit status: 0 OK, 1 error reply or no reply, 2 atserver not running or usage\n",
+        out);
+}
+
+}  // namespace
+
+int main(int argc, char **argv) {
+    std::vector<char *> args(argv + 1, argv + argc);
+    bool verbose = false;
+    if (!args.empty() && std::string_view(args.front()) == "-v") {
+        verbose = true;
+        args.erase(args.begin());
+    }
+    PlatformSetLogThreshold(verbose ? TRACE_LEVEL_DETAIL : 0);
+    if (args.empty()) {
+        PrintUsage(stderr);
+        return atcli::kExitNoServer;
+    }
+    const std::string_view command = args.front();
+    if (command == "-h" || command == "--help") {
+        PrintUsage(stdout);
+        return atcli::kExitOk;
+    }
+    if (command == "raw") {
+        return atcli::RunRaw(static_cast<int>(args.size() - 1), args.data() + 1, verbose);
+    }
+    std::fprintf(stderr, "atcli: unknown command \"%s\"\n", args.front());
+    PrintUsage(stderr);
+    return atcli::kExitNoServer;
+}

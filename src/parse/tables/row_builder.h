@@ -32,6 +32,21 @@ constexpr ModeSlot R(const char *atTemplate = nullptr, AtParseFn parseFn = Parse
 
 // Makes the rows of one table; the id goes into each row's module id word.
 class RowMaker {
+  private:
+    // Defined ahead of its callers: clang evaluates the constexpr rows eagerly.
+    template <typename... Slots>
+    constexpr AtParseHandler Make(const char *atName, AtFreeFn freeFn, Slots... slots) const {
+        AtParseHandler row{};
+        row.atName = atName;
+        row.moduleId = moduleId_;
+        row.freeFn = freeFn;
+        ((row.atTemplate[slots.mode] = slots.atTemplate, row.parseFn[slots.mode] = slots.parseFn),
+         ...);
+        return row;
+    }
+
+    intptr_t moduleId_;
+
   public:
     explicit constexpr RowMaker(intptr_t moduleId) : moduleId_(moduleId) {}
 
@@ -48,20 +63,6 @@ class RowMaker {
 
     // Closes a table: the lookup stops at the first null prefix.
     constexpr AtParseHandler End() const { return Make(nullptr, nullptr); }
-
-  private:
-    template <typename... Slots>
-    constexpr AtParseHandler Make(const char *atName, AtFreeFn freeFn, Slots... slots) const {
-        AtParseHandler row{};
-        row.atName = atName;
-        row.moduleId = moduleId_;
-        row.freeFn = freeFn;
-        ((row.atTemplate[slots.mode] = slots.atTemplate, row.parseFn[slots.mode] = slots.parseFn),
-         ...);
-        return row;
-    }
-
-    intptr_t moduleId_;
 };
 
 }  // namespace atapi::tables

@@ -62,17 +62,20 @@ void Modem::Log(const std::string &message) const {
 
 void Modem::Receive(std::string_view bytes, Millis now) {
     if (hungUp_) return;
-    for (char byte : bytes) TakeByte(byte);
+    // Each command is taken up as soon as its CR arrives.
+    for (char byte : bytes) {
+        if (TakeByte(byte)) Pump(now);
+    }
     Pump(now);
 }
 
-// Commands end with CR; LF is tolerated and ignored.
-void Modem::TakeByte(char byte) {
-    if (byte == '\n') return;
+// Commands end with CR; LF is tolerated and ignored. True at the end of a line.
+bool Modem::TakeByte(char byte) {
+    if (byte == '\n') return false;
     if (byte != '\r') {
         if (inputLength_ < kMaxLineLength) input_.push_back(byte);
         ++inputLength_;
-        return;
+        return false;
     }
     if (inputLength_ > kMaxLineLength) {
         Log("atsim: dropped an input line of " + std::to_string(inputLength_) + " bytes (limit " +
@@ -87,6 +90,7 @@ void Modem::TakeByte(char byte) {
     }
     input_.clear();
     inputLength_ = 0;
+    return true;
 }
 
 // Serves queued commands one after the other; a delayed reply holds the queue.
@@ -226,7 +230,8 @@ void Modem::Tick(Millis now) {
         if (ticks_ % periodic.every == 0) HoldUnsolicited(Expand(periodic.text, {}));
     }
     // A late wake-up skips the ticks it missed rather than bursting them out.
-    *nextTick_ = std::max(*nextTick_ + options_.urcIntervalMs, now + 1);
+    *nextTick_ += options_.urcIntervalMs;
+    if (*nextTick_ <= now) *nextTick_ = now + options_.urcIntervalMs;
 }
 
 // Unsolicited lines wait while a command is being typed or answered, so that

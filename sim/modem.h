@@ -58,7 +58,7 @@ class Modem {
         std::vector<std::pair<Millis, std::string>> afterLines;  // delay, line
     };
 
-    void TakeByte(char byte);
+    bool TakeByte(char byte);
     void Pump(Millis now);
     void Dispatch(const std::string &command, Millis now);
     bool ConditionsHold(const Rule &rule, const std::vector<std::string> &captures);

@@ -147,6 +147,7 @@ class Parser {
         if (rule_) out_->rules.push_back(std::move(*rule_));
         rule_.reset();
         ruleEnded_ = false;
+        ruleHungUp_ = false;
     }
 
     std::size_t SlotOf(const std::string &name) {
@@ -175,16 +176,17 @@ class Parser {
         return rest.empty() ? Fail(Here() + "missing " + std::string(what)) : true;
     }
 
-    // Adds a step to the open rule; only delayed lines may follow the end of a reply.
+    // Adds a step to the open rule; only delayed lines may follow the end of a
+    // reply, and nothing a hang-up.
     bool AddStep(Step step) {
+        if (ruleHungUp_) return Fail(Here() + "nothing may follow 'hangup'");
         if (ruleEnded_ && step.kind != StepKind::kAfter) {
             return Fail(Here() + "nothing but 'after' may follow the end of a reply");
         }
         step.where = here_;
-        const bool ends = step.kind == StepKind::kFinal || step.kind == StepKind::kSilent ||
-                          step.kind == StepKind::kHangup;
+        ruleHungUp_ = step.kind == StepKind::kHangup;
+        ruleEnded_ = ruleEnded_ || step.kind == StepKind::kFinal || step.kind == StepKind::kSilent;
         rule_->steps.push_back(std::move(step));
-        ruleEnded_ = ruleEnded_ || ends;
         return true;
     }
 
@@ -338,6 +340,7 @@ class Parser {
     std::vector<std::string> includeStack_;
     std::optional<Rule> rule_;
     bool ruleEnded_ = false;
+    bool ruleHungUp_ = false;
     Location here_;
     std::string error_;
 };

@@ -24,10 +24,12 @@ struct Paths {
     }
 };
 
+#ifdef ATAPI_ISOLATED_PATHS
 std::string DefaultRoot() {
     if (const char *env = std::getenv("ATAPI_ROOT"); env != nullptr && *env != '\0') return env;
     return "/tmp/atapi-" + std::to_string(getuid());
 }
+#endif
 
 Paths &Current() {
     static Paths paths = [] {

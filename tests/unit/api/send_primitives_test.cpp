@@ -151,7 +151,9 @@ TEST(SendPrimitiveCases, ResultClassesPerPrimitive) {
                 AtParamDesc params[] = {{"code", AT_TYPE_STRING, code, sizeof code, 0, 0}};
                 const AtCmdDesc desc = {"AT+CPIN?", "+CPIN", "+CPIN", AT_PARSE_QUERY, 2};
                 result = AtSendAndGetListRsp(&desc, params, 1, &errCode);
-                if (c.retVal == AT_RET_OK) EXPECT_STREQ(code, "READY");
+                if (c.retVal == AT_RET_OK) {
+                    EXPECT_STREQ(code, "READY");
+                }
                 break;
             }
             case kNetwork: {

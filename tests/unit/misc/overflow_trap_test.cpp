@@ -4,13 +4,15 @@
 // flags the library is built with.
 
 #include <climits>
+#include <cstdint>
 
 #include "gtest/gtest.h"
 
 namespace {
 
-int32_t AddCounters(volatile int32_t a, volatile int32_t b) { return a + b; }
-int32_t ScaleLength(volatile int32_t a, volatile int32_t b) { return a * b; }
+// Kept out of line so that the compiler cannot fold the overflow away.
+[[gnu::noinline]] int32_t AddCounters(int32_t a, int32_t b) { return a + b; }
+[[gnu::noinline]] int32_t ScaleLength(int32_t a, int32_t b) { return a * b; }
 
 TEST(OverflowTrap, SignedArithmeticEndsTheProcess) {
     EXPECT_EQ(AddCounters(INT32_MAX - 1, 1), INT32_MAX);

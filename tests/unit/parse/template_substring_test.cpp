@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "parse_test_util.h"
 #include "fixtures/trace_capture.h"
+#include "parse_test_util.h"
 
 namespace atapi::test {
 namespace {

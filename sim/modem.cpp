@@ -146,11 +146,15 @@ std::string Modem::Expand(const Text &text, const std::vector<std::string> &capt
     return ExpandText(text, ExpandContext{variables_, captures, random_});
 }
 
-std::optional<std::int64_t> Modem::ExpandNumber(const Text &text, const Job &job) {
-    const std::string value = Expand(text, job.captures);
+// The number of a delay, 'after' or 'add'; what is not a number counts as 0.
+std::int64_t Modem::AmountOf(const Step &step, const Job &job) {
+    const std::string value = Expand(step.amount, job.captures);
     const auto number = ToNumber(value);
-    if (!number) Log("atsim: \"" + value + "\" is not a number");
-    return number;
+    if (!number) {
+        Log("atsim: " + step.where.file + ":" + std::to_string(step.where.line) + ": \"" + value +
+            "\" is not a number, taken as 0");
+    }
+    return number.value_or(0);
 }
 
 void Modem::RunJob(Millis now) {
@@ -164,7 +168,7 @@ void Modem::RunJob(Millis now) {
                 SendLine(Expand(step.text, job.captures));
                 break;
             case StepKind::kDelay: {
-                const std::int64_t ms = ExpandNumber(step.amount, job).value_or(0);
+                const std::int64_t ms = AmountOf(step, job);
                 if (ms > 0) {
                     job.resumeAt = now + static_cast<Millis>(ms);
                     return;
@@ -176,7 +180,7 @@ void Modem::RunJob(Millis now) {
                 break;
             case StepKind::kAdd: {
                 const std::int64_t base = ToNumber(variables_[step.slot]).value_or(0);
-                const std::int64_t amount = ExpandNumber(step.amount, job).value_or(0);
+                const std::int64_t amount = AmountOf(step, job);
                 std::int64_t sum = 0;
                 if (__builtin_add_overflow(base, amount, &sum)) sum = base;
                 variables_[step.slot] = std::to_string(sum);
@@ -196,7 +200,7 @@ void Modem::RunJob(Millis now) {
                 SendLine(Expand(step.text, job.captures));
                 break;
             case StepKind::kAfter: {
-                const std::int64_t ms = ExpandNumber(step.amount, job).value_or(0);
+                const std::int64_t ms = AmountOf(step, job);
                 job.afterLines.emplace_back(static_cast<Millis>(std::max<std::int64_t>(ms, 0)),
                                             Expand(step.text, job.captures));
                 break;

@@ -71,7 +71,7 @@ class Modem {
     void SendLine(std::string_view line);
     void SendGarbage();
     std::string Expand(const Text &text, const std::vector<std::string> &captures);
-    std::optional<std::int64_t> ExpandNumber(const Text &text, const Job &job);
+    std::int64_t AmountOf(const Step &step, const Job &job);
     void Log(const std::string &message) const;
 
     const Scenario &scenario_;

@@ -8,6 +8,7 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <cstdint>
 #include <cstring>
 #include <ctime>
 
@@ -35,9 +36,9 @@ void ArmTimer(int timer, std::optional<Millis> deadline) {
     timerfd_settime(timer, TFD_TIMER_ABSTIME, &spec, nullptr);
 }
 
-void Drain(int fd) {
-    char sink[sizeof(signalfd_siginfo)];
-    while (::read(fd, sink, sizeof(sink)) > 0) {
+void AcknowledgeTimer(int timer) {
+    std::uint64_t expirations = 0;
+    while (::read(timer, &expirations, sizeof(expirations)) > 0) {
     }
 }
 
@@ -84,7 +85,11 @@ int RunEventLoop(PtyPort &port, Modem &modem, const std::function<void(const std
             return 1;
         }
         if (fds[kSignals].revents & POLLIN) return 0;
-        if (fds[kTimer].revents & POLLIN) Drain(timer.get());
+        if (fds[kPort].revents & (POLLERR | POLLNVAL)) {
+            log("atsim: the port failed");
+            return 1;
+        }
+        if (fds[kTimer].revents & POLLIN) AcknowledgeTimer(timer.get());
         if (fds[kPort].revents & POLLIN) modem.Receive(port.ReadAvailable(), NowMillis());
         modem.Advance(NowMillis());
         port.Queue(modem.TakeOutput(), log);

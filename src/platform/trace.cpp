@@ -9,6 +9,7 @@
 namespace {
 
 struct SinkSlot {
+    std::atomic<bool> installed{false};  // lets unwanted lines skip formatting
     std::mutex lock;
     PlatformLogSink sink = nullptr;
     void *ctx = nullptr;
@@ -30,9 +31,13 @@ std::atomic<int> &Threshold() {
 }
 
 void Emit(const char *channel, const char *source, int level, const char *format, va_list ap) {
+    SinkSlot &slot = Slot();
+    if (!slot.installed.load(std::memory_order_acquire) &&
+        level > Threshold().load(std::memory_order_relaxed)) {
+        return;
+    }
     char text[2048];
     std::vsnprintf(text, sizeof text, format, ap);
-    SinkSlot &slot = Slot();
     {
         std::lock_guard<std::mutex> guard(slot.lock);
         if (slot.sink != nullptr) {
@@ -72,6 +77,7 @@ void PlatformSetLogSink(PlatformLogSink sink, void *ctx) {
     std::lock_guard<std::mutex> guard(slot.lock);
     slot.sink = sink;
     slot.ctx = ctx;
+    slot.installed.store(sink != nullptr, std::memory_order_release);
 }
 
 void PlatformSetLogThreshold(int level) { Threshold().store(level, std::memory_order_relaxed); }

@@ -27,13 +27,13 @@ sigset_t TerminationSignals() {
 
 // Arms the timer for an absolute monotonic time, or disarms it.
 void ArmTimer(int timer, std::optional<Millis> deadline) {
-    itimerspec spec{};
+    itimerspec setting{};
     if (deadline) {
         // A zero it_value would disarm; the monotonic clock is never that early.
-        spec.it_value.tv_sec = static_cast<time_t>(*deadline / 1000);
-        spec.it_value.tv_nsec = static_cast<long>(*deadline % 1000) * 1000000L + 1;
+        setting.it_value.tv_sec = static_cast<time_t>(*deadline / 1000);
+        setting.it_value.tv_nsec = static_cast<long>(*deadline % 1000) * 1000000L + 1;
     }
-    timerfd_settime(timer, TFD_TIMER_ABSTIME, &spec, nullptr);
+    timerfd_settime(timer, TFD_TIMER_ABSTIME, &setting, nullptr);
 }
 
 void AcknowledgeTimer(int timer) {

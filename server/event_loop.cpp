@@ -7,6 +7,7 @@
 #include <time.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <vector>
@@ -173,6 +174,7 @@ void EventLoop::HandleModem(short revents, int64_t nowMs) {
 }
 
 void EventLoop::TryOpenModem(int64_t nowMs) {
+    lastOpenMs_ = nowMs;
     modemFd_ = backend_.Open();
     if (modemFd_ == -1) {
         nextOpenMs_ = nowMs + kReopenIntervalMs;
@@ -191,7 +193,9 @@ void EventLoop::LoseModem(const char *why, int64_t nowMs) {
     modemOutput_.clear();
     reader_.Reset();
     scheduler_.OnModemDown();
-    nextOpenMs_ = nowMs;
+    // At once after a port that served a while; a port that keeps failing is
+    // retried about once a second.
+    nextOpenMs_ = std::max(nowMs, lastOpenMs_ + kReopenIntervalMs);
 }
 
 void EventLoop::WriteToModem(const std::string &bytes) {

@@ -160,18 +160,24 @@ bool AtServerProcess::WaitForLog(const std::string &needle, int timeoutMs) const
     return true;
 }
 
+std::string LongReplyLine(int n) {
+    return "+E2ELONG: " + std::string(n < 10 ? "0" : "") + std::to_string(n) + " " +
+           std::string(50, 'x');
+}
+
 std::string WriteTestScenario(const test::IsolatedRuntime &runtime) {
     const std::string path = runtime.Path("/e2e.scn");
     std::ofstream out(path);
-    out << "on AT+CGMI\n"
-        << "  line " << kManufacturer << "\n"
-        << "on AT+CGDCONT?\n";
+    out << "on AT+CGMI\n  line " << kManufacturer << "\n";
+    out << "on AT+CGDCONT?\n";
     std::istringstream rows(kPdpContexts);
     for (std::string row; std::getline(rows, row);) {
         if (!row.empty() && row.back() == '\r') row.pop_back();
         out << "  line " << row << "\n";
     }
-    out << "include " << ATSIM_SCENARIO_DIR << "/faults.scn\n";
+    out << "on AT+E2ELONG\n";
+    for (int n = 1; n <= kLongReplyLines; ++n) out << "  line " << LongReplyLine(n) << "\n";
+    out << kScenarioRules << "include " << ATSIM_SCENARIO_DIR << "/faults.scn\n";
     if (!out) ADD_FAILURE() << "cannot write " << path;
     return path;
 }

@@ -87,6 +87,22 @@ inline constexpr char kPdpContexts[] =
     "+CGDCONT: 2,\"IPV4V6\",\"ims\",\"0.0.0.0\",0,0\r\n"
     "+CGDCONT: 3,\"IPV4V6\",\"sos\",\"0.0.0.0\",0,0";
 
+// A reply of kLongReplyLines lines ("AT+E2ELONG"), more than a reply holds.
+inline constexpr int kLongReplyLines = 30;
+std::string LongReplyLine(int n);
+
+// Rules with unsolicited-report prefixes inside replies.
+inline constexpr char kScenarioRules[] =
+    "on AT+CREG?\n"
+    "  line +CREG: 2,1,\"00C3\",\"0000A1B2\"\n"
+    "on AT+E2ERSSI\n"
+    "  line ^RSSI: 20\n"
+    "on AT+E2ESMS\n"
+    "  line +E2ESMS: 1\n"
+    "  urc +CMT: ,24\n"
+    "  urc 07911326040000F0040B911346610089F60000208062917314080CC8F71D14969741F977FD07\n"
+    "  line +E2ESMS: 2\n";
+
 // Sends one raw message (lengths include the type word) to a queue.
 bool SendRaw(int qid, const void *msg, uint32_t length);
 

@@ -101,13 +101,38 @@ std::vector<std::string> ReportLines(const std::string &path) {
     return lines;
 }
 
-TEST_F(E2eQuietTest, Unsolicited_KeptOutOfRepliesAndWrittenToTheReport) {
-    const Exchange reply = Send("AT+URCMID");
-    ASSERT_EQ(reply.status, 0);
-    EXPECT_EQ(reply.retVal, AT_RET_OK);
-    EXPECT_EQ(reply.text, "+URCMID: 1\r\n+URCMID: 2");
-    EXPECT_EQ(ReportLines(server_->ReportPath()), std::vector<std::string>{"^RSSI: 17"});
+struct UrcCase {
+    const char *cmd;
+    const char *prefix;
+    std::string text;
+    std::vector<std::string> reported;
+};
 
+TEST_F(E2eQuietTest, Unsolicited_KeptOutOfRepliesUnlessTheCommandNamesThem) {
+    const UrcCase cases[] = {
+        {"AT+URCMID", nullptr, "+URCMID: 1\r\n+URCMID: 2", {"^RSSI: 17"}},
+        {"AT+CREG?", nullptr, "+CREG: 2,1,\"00C3\",\"0000A1B2\"", {}},
+        {"AT+E2ERSSI", "^RSSI", "^RSSI: 20", {}},
+        {"AT+E2ERSSI", nullptr, "", {"^RSSI: 20"}},
+        {"AT+E2ESMS",
+         nullptr,
+         "+E2ESMS: 1\r\n+E2ESMS: 2",
+         {"+CMT: ,24",
+          "07911326040000F0040B911346610089F60000208062917314080CC8F71D14969741F977FD07"}},
+    };
+    std::vector<std::string> reported;
+    for (const UrcCase &c : cases) {
+        SCOPED_TRACE(std::string(c.cmd) + (c.prefix != nullptr ? c.prefix : ""));
+        const Exchange reply = Send(c.cmd, 10, c.prefix);
+        ASSERT_EQ(reply.status, 0);
+        EXPECT_EQ(reply.retVal, AT_RET_OK);
+        EXPECT_EQ(reply.text, c.text);
+        reported.insert(reported.end(), c.reported.begin(), c.reported.end());
+        EXPECT_EQ(ReportLines(server_->ReportPath()), reported);
+    }
+}
+
+TEST_F(E2eQuietTest, Unsolicited_LinesWhileIdleGoToTheReport) {
     // Call progress arrives after the dial's reply, while nothing runs.
     const Exchange dial = Send("ATD0123456789;");
     ASSERT_EQ(dial.status, 0);
@@ -115,7 +140,23 @@ TEST_F(E2eQuietTest, Unsolicited_KeptOutOfRepliesAndWrittenToTheReport) {
     EXPECT_EQ(dial.text, "");
     ASSERT_TRUE(server_->WaitForLog("unsolicited: ^CONN: 1,0"));
     EXPECT_EQ(ReportLines(server_->ReportPath()),
-              (std::vector<std::string>{"^RSSI: 17", "^ORIG: 1,0", "^CONF: 1", "^CONN: 1,0"}));
+              (std::vector<std::string>{"^ORIG: 1,0", "^CONF: 1", "^CONN: 1,0"}));
+}
+
+TEST_F(E2eTest, Exchange_TooLongReplyIsCutAtALineBoundary) {
+    // 63-character lines joined by CR LF: 23 of them (1493 characters) fit in
+    // the 1531 characters of a reply, 24 would not.
+    constexpr int kKept = 23;
+    std::string expected = LongReplyLine(1);
+    for (int n = 2; n <= kKept; ++n) expected += "\r\n" + LongReplyLine(n);
+
+    const Exchange reply = Send("AT+E2ELONG");
+    ASSERT_EQ(reply.status, 0);
+    EXPECT_EQ(reply.retVal, AT_RET_OK);
+    EXPECT_EQ(reply.text, expected);
+    EXPECT_EQ(reply.reportLen, static_cast<int32_t>(expected.size()));
+    EXPECT_TRUE(
+        server_->WaitForLog(std::to_string(kLongReplyLines - kKept) + " lines did not fit"));
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
-// Every special parser under a failing allocator: whichever allocation fails,
-// the call fails, hands out nothing, and leaves no block behind unwiped.
+// Failure paths shared by every special parser: refused arguments, and a
+// failing allocator (whichever allocation fails, the call fails, hands out
+// nothing, and leaves no block behind unwiped).
 #include <gtest/gtest.h>
 
 #include <string>
@@ -9,22 +10,25 @@
 namespace atapi::test {
 namespace {
 
-struct OomCase {
+struct FailureCase {
     const char *label;
     AtParseFn parse;
     const char *atTemplate;
     const char *reply;
     const char *prefix;
+    // Status for the same reply read with a prefix it does not carry: the
+    // SMS record parser finds no row, the cell parser never looks.
+    int32_t withoutPrefix = AT_PARSE_BAD_ARG;
 };
 
-void PrintTo(const OomCase &c, std::ostream *os) { *os << c.label; }
+void PrintTo(const FailureCase &c, std::ostream *os) { *os << c.label; }
 
-const OomCase kOomCases[] = {
+const FailureCase kFailureCases[] = {
     {"Cmgi", ParseCmgiListAtStr, "^CMGI:index_0,...indexN", "^CMGI: 0,3,\"7\"", "^CMGI"},
     {"Cmgd", ParseSmsIndexListAtStr, "+CMGD:index_0,...indexN", "+CMGD: (1,2,5),(0-4)", "+CMGD"},
     {"Cmgr", ParseSmsCmgrAtStr, "+CMGR:stat,reserved,length\r\npdu",
-     "+CMGR: 1,,23\r\n0891683108200505F0040D9168", "+CMGR"},
-    {"Cgas", ParseAtCgasStr, "arfcn,bsic,rxlev", "62,17,-75", "^CGAS"},
+     "+CMGR: 1,,23\r\n0891683108200505F0040D9168", "+CMGR", AT_PARSE_OK},
+    {"Cgas", ParseAtCgasStr, "arfcn,bsic,rxlev", "62,17,-75", "^CGAS", AT_PARSE_OK},
     {"Eons", ParseEonsAtStr, "^EONS:type,plmn_id,plmn_long,plmn_short,spn_cond,spn",
      "^EONS: 1,46000,\"A\",\"B\",0,\"\"\r\n^EONS: 1,46001,\"CHN-UNICOM\",\"UNICOM\",1,\"CU\"",
      "^EONS"},
@@ -55,10 +59,10 @@ const OomCase kOomCases[] = {
      "+CPMS: (\"SM\",\"ME\"),(\"SM\",\"ME\"),(\"SM\")", "+CPMS"},
 };
 
-class SpecialParserOomTest : public ::testing::TestWithParam<OomCase> {};
+class SpecialParserFailureTest : public ::testing::TestWithParam<FailureCase> {};
 
 // Allocations of one successful parse; the result is checked to be wiped.
-uint64_t CountAllocations(const OomCase &c) {
+uint64_t CountAllocations(const FailureCase &c) {
     std::string reply = c.reply;
     AllocTracker tracker;
     {
@@ -71,8 +75,8 @@ uint64_t CountAllocations(const OomCase &c) {
     return tracker.Allocations();
 }
 
-TEST_P(SpecialParserOomTest, EveryFailedAllocationFailsCleanly) {
-    const OomCase &c = GetParam();
+TEST_P(SpecialParserFailureTest, EveryFailedAllocationFailsCleanly) {
+    const FailureCase &c = GetParam();
     const uint64_t allocations = CountAllocations(c);
     ASSERT_GT(allocations, 0U);
     for (uint64_t failAt = 1; failAt <= allocations; ++failAt) {
@@ -88,7 +92,27 @@ TEST_P(SpecialParserOomTest, EveryFailedAllocationFailsCleanly) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Special, SpecialParserOomTest, ::testing::ValuesIn(kOomCases),
+TEST_P(SpecialParserFailureTest, NullArgumentsAreRefused) {
+    const FailureCase &c = GetParam();
+    std::string reply = c.reply;
+    AtCmdParseNode *out = nullptr;
+    EXPECT_EQ(c.parse(nullptr, c.atTemplate, reply.data(), c.prefix), AT_PARSE_BAD_ARG);
+    EXPECT_EQ(c.parse(&out, c.atTemplate, nullptr, c.prefix), AT_PARSE_BAD_ARG);
+    EXPECT_EQ(c.parse(&out, c.atTemplate, reply.data(), nullptr), AT_PARSE_BAD_ARG);
+    EXPECT_EQ(out, nullptr);
+}
+
+TEST_P(SpecialParserFailureTest, ReplyWithoutThePrefix) {
+    const FailureCase &c = GetParam();
+    std::string reply = c.reply;
+    Result result;
+    EXPECT_EQ(c.parse(result.Out(), c.atTemplate, reply.data(), "^ABSENT"), c.withoutPrefix);
+    if (c.withoutPrefix != AT_PARSE_OK) {
+        EXPECT_EQ(result.first, nullptr);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Special, SpecialParserFailureTest, ::testing::ValuesIn(kFailureCases),
                          [](const auto &info) { return std::string(info.param.label); });
 
 }  // namespace

@@ -12,6 +12,9 @@ namespace atapi::test {
 namespace {
 
 const Text kNull = std::nullopt;
+const Rows kNoRows;
+
+Rows OneRow(Row row) { return {std::move(row)}; }
 
 constexpr char kCopsTemplate[] =
     "+COPS:(stat,long_oper,short_oper,numeric_oper,rat),,(mode_0,mode_1,mode_2,mode_3,mode_4),"
@@ -21,7 +24,7 @@ constexpr char kEonsTemplate[] = "^EONS:type,plmn_id,plmn_long,plmn_short,spn_co
 constexpr char kModeAndFormatLists[] = ",,(0,1,2,3,4),(0,1,2)";
 
 Row Operator(const char *stat, const char *longName, const char *shortName, const char *numeric,
-             const char *rat) {
+             Text rat) {
     return {{"option", kNull},         {"stat", stat},
             {"long_oper", longName},   {"short_oper", shortName},
             {"numeric_oper", numeric}, {"rat", rat}};
@@ -58,78 +61,39 @@ TEST_P(ParseCopsAtStrTest, ParsesReply) {
 }
 
 const ReplyCase kCopsCases[] = {
-    {"ThreeOperators",
-     kCopsTemplate,
+    {"ThreeOperators", kCopsTemplate,
      std::string("+COPS: (2,\"CHINA MOBILE\",\"CMCC\",\"46000\",7),") +
          "(1,\"CHN-UNICOM\",\"UNICOM\",\"46001\",7),(3,\"Acme, (Test) Net\",\"ACME\",\"46099\",2)" +
          kModeAndFormatLists,
      AT_PARSE_OK,
-     {Operator("2", "CHINA MOBILE", "CMCC", "46000", "7"),
-      Operator("1", "CHN-UNICOM", "UNICOM", "46001", "7"),
-      Operator("3", "Acme, (Test) Net", "ACME", "46099", "2"), kModeRow, kFormatRow}},
-    {"OperatorWithoutRat",
-     kCopsTemplate,
-     std::string("+COPS: (1,\"Old Net\",\"OLD\",\"26201\")") + kModeAndFormatLists,
-     AT_PARSE_OK,
-     {{{"option", kNull},
-       {"stat", "1"},
-       {"long_oper", "Old Net"},
-       {"short_oper", "OLD"},
-       {"numeric_oper", "26201"},
-       {"rat", kNull}},
-      kModeRow,
-      kFormatRow}},
-    {"NoOperators",
-     kCopsTemplate,
-     std::string("+COPS: ") + kModeAndFormatLists,
-     AT_PARSE_OK,
-     {kModeRow, kFormatRow}},
-    {"ShortModeList",
-     kCopsTemplate,
-     "+COPS: ,,(0,1),(0,2)",
-     AT_PARSE_OK,
-     {{{"mode", kNull},
-       {"mode_0", "0"},
-       {"mode_1", "1"},
-       {"mode_2", kNull},
-       {"mode_3", kNull},
-       {"mode_4", kNull}},
-      {{"format", kNull}, {"format_0", "0"}, {"format_1", "2"}, {"format_2", kNull}}}},
-    {"WithoutFormatList",
-     kCopsTemplate,
-     "+COPS: (2,\"A\",\"B\",\"46000\",7),,(0,1,2,3,4)",
-     AT_PARSE_BAD_ARG,
-     {}},
-    {"WithoutModeList",
-     kCopsTemplate,
-     "+COPS: (2,\"A\",\"B\",\"46000\",7),,",
-     AT_PARSE_BAD_ARG,
-     {}},
-    {"WithoutDoubleComma",
-     kCopsTemplate,
-     "+COPS: (2,\"A\",\"B\",\"46000\",7),(0,1,2,3,4)",
-     AT_PARSE_BAD_ARG,
-     {}},
-    {"TemplateWithoutDoubleComma",
-     "+COPS:(stat,long_oper),(mode_0)",
-     std::string("+COPS: (2,\"A\")") + kModeAndFormatLists,
-     AT_PARSE_BAD_ARG,
-     {}},
-    {"WithoutColon",
-     kCopsTemplate,
-     std::string("+COPS (2,\"A\")") + kModeAndFormatLists,
-     AT_PARSE_BAD_ARG,
-     {}},
-    {"WithoutPrefix",
-     kCopsTemplate,
-     std::string("+CREG: (2,\"A\")") + kModeAndFormatLists,
-     AT_PARSE_BAD_ARG,
-     {}},
-    {"WithoutTemplate",
-     nullptr,
-     std::string("+COPS: ") + kModeAndFormatLists,
-     AT_PARSE_NO_TEMPLATE,
-     {}},
+     Rows{Operator("2", "CHINA MOBILE", "CMCC", "46000", "7"),
+          Operator("1", "CHN-UNICOM", "UNICOM", "46001", "7"),
+          Operator("3", "Acme, (Test) Net", "ACME", "46099", "2"), kModeRow, kFormatRow}},
+    {"OperatorWithoutRat", kCopsTemplate,
+     std::string("+COPS: (1,\"Old Net\",\"OLD\",\"26201\")") + kModeAndFormatLists, AT_PARSE_OK,
+     Rows{Operator("1", "Old Net", "OLD", "26201", kNull), kModeRow, kFormatRow}},
+    {"NoOperators", kCopsTemplate, std::string("+COPS: ") + kModeAndFormatLists, AT_PARSE_OK,
+     Rows{kModeRow, kFormatRow}},
+    {"ShortModeList", kCopsTemplate, "+COPS: ,,(0,1),(0,2)", AT_PARSE_OK,
+     Rows{Row{{"mode", kNull},
+              {"mode_0", "0"},
+              {"mode_1", "1"},
+              {"mode_2", kNull},
+              {"mode_3", kNull},
+              {"mode_4", kNull}},
+          Row{{"format", kNull}, {"format_0", "0"}, {"format_1", "2"}, {"format_2", kNull}}}},
+    {"WithoutFormatList", kCopsTemplate, "+COPS: (2,\"A\",\"B\",\"46000\",7),,(0,1,2,3,4)",
+     AT_PARSE_BAD_ARG, kNoRows},
+    {"WithoutModeList", kCopsTemplate, "+COPS: (2,\"A\",\"B\",\"46000\",7),,", AT_PARSE_BAD_ARG,
+     kNoRows},
+    {"WithoutDoubleComma", kCopsTemplate, "+COPS: (2,\"A\",\"B\",\"46000\",7),(0,1,2,3,4)",
+     AT_PARSE_BAD_ARG, kNoRows},
+    {"TemplateWithoutDoubleComma", "+COPS:(stat,long_oper),(mode_0)",
+     std::string("+COPS: (2,\"A\")") + kModeAndFormatLists, AT_PARSE_BAD_ARG, kNoRows},
+    {"WithoutColon", kCopsTemplate, std::string("+COPS (2,\"A\")") + kModeAndFormatLists,
+     AT_PARSE_BAD_ARG, kNoRows},
+    {"WithoutTemplate", nullptr, std::string("+COPS: ") + kModeAndFormatLists, AT_PARSE_NO_TEMPLATE,
+     kNoRows},
 };
 
 INSTANTIATE_TEST_SUITE_P(Special, ParseCopsAtStrTest, ::testing::ValuesIn(kCopsCases),
@@ -171,31 +135,22 @@ const Row kUnicomRow = {
     {"spn_cond", "1"}, {"spn", "CU"}};
 
 const ReplyCase kEonsCases[] = {
-    {"OneLine",
-     kEonsTemplate,
-     "^EONS: 1,46001,\"CHN-UNICOM\",\"UNICOM\",1,\"CU\"",
-     AT_PARSE_OK,
-     {kUnicomRow}},
-    {"LastLineWins",
-     kEonsTemplate,
+    {"OneLine", kEonsTemplate, "^EONS: 1,46001,\"CHN-UNICOM\",\"UNICOM\",1,\"CU\"", AT_PARSE_OK,
+     Rows{kUnicomRow}},
+    {"LastLineWins", kEonsTemplate,
      "^EONS: 1,46000,\"CHINA MOBILE\",\"CMCC\",0,\"\"\r\n"
      "^EONS: 1,46001,\"CHN-UNICOM\",\"UNICOM\",1,\"CU\"",
-     AT_PARSE_OK,
-     {kUnicomRow}},
-    {"EmptySpn",
-     kEonsTemplate,
-     "^EONS: 2,46000,\"CHINA MOBILE\",\"CMCC\",0,\"\"",
-     AT_PARSE_OK,
-     {{{"type", "2"},
-       {"plmn_id", "46000"},
-       {"plmn_long", "CHINA MOBILE"},
-       {"plmn_short", "CMCC"},
-       {"spn_cond", "0"},
-       {"spn", ""}}}},
-    {"WithoutPrefix", kEonsTemplate, "+COPS: 0,0,\"CMCC\",7", AT_PARSE_BAD_ARG, {}},
-    {"LastLineWithoutColon", kEonsTemplate, "^EONS: 1,46001\r\n^EONS", AT_PARSE_BAD_ARG, {}},
-    {"TemplateWithoutColon", "^EONS", "^EONS: 1", AT_PARSE_BAD_ARG, {}},
-    {"WithoutTemplate", nullptr, "^EONS: 1", AT_PARSE_NO_TEMPLATE, {}},
+     AT_PARSE_OK, Rows{kUnicomRow}},
+    {"EmptySpn", kEonsTemplate, "^EONS: 2,46000,\"CHINA MOBILE\",\"CMCC\",0,\"\"", AT_PARSE_OK,
+     OneRow({{"type", "2"},
+             {"plmn_id", "46000"},
+             {"plmn_long", "CHINA MOBILE"},
+             {"plmn_short", "CMCC"},
+             {"spn_cond", "0"},
+             {"spn", ""}})},
+    {"LastLineWithoutColon", kEonsTemplate, "^EONS: 1,46001\r\n^EONS", AT_PARSE_BAD_ARG, kNoRows},
+    {"TemplateWithoutColon", "^EONS", "^EONS: 1", AT_PARSE_BAD_ARG, kNoRows},
+    {"WithoutTemplate", nullptr, "^EONS: 1", AT_PARSE_NO_TEMPLATE, kNoRows},
 };
 
 INSTANTIATE_TEST_SUITE_P(Special, ParseEonsAtStrTest, ::testing::ValuesIn(kEonsCases),
@@ -207,17 +162,6 @@ TEST(ParseEonsAtStr_Log, MissingPrefixIsLoggedWithTaskId) {
     Result result;
     EXPECT_EQ(ParseEonsAtStr(result.Out(), kEonsTemplate, reply, "^EONS"), AT_PARSE_BAD_ARG);
     EXPECT_TRUE(trace.Contains("not find the at name pid = " + std::to_string(getpid()) + "\n"));
-}
-
-TEST(SpecialOperatorParsers_Args, NullArgumentsAreRefused) {
-    char reply[] = "+COPS: ,,(0),(0)";
-    AtCmdParseNode *out = nullptr;
-    for (AtParseFn parse : {ParseCopsAtStr, ParseEonsAtStr}) {
-        EXPECT_EQ(parse(nullptr, kCopsTemplate, reply, "+COPS"), AT_PARSE_BAD_ARG);
-        EXPECT_EQ(parse(&out, kCopsTemplate, nullptr, "+COPS"), AT_PARSE_BAD_ARG);
-        EXPECT_EQ(parse(&out, kCopsTemplate, reply, nullptr), AT_PARSE_BAD_ARG);
-        EXPECT_EQ(out, nullptr);
-    }
 }
 
 }  // namespace

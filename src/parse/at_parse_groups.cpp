@@ -14,7 +14,7 @@ namespace {
 
 constexpr char kTraceSrc[] = "atapi/src/at_parse_network";
 
-// Range groups ("0-3") expand to at most this many numbers per end point.
+// Neither end of a range group ("0-3") may lie above this number.
 constexpr int kMaxRangeNumber = 128;
 constexpr size_t kRangeValueSize = 16;
 

@@ -49,6 +49,7 @@ EventLoop::EventLoop(ModemBackend &backend, RequestQueues &queues, ReportSink &r
       queues_(queues),
       reports_(reports),
       scheduler_(*this, urc_),
+      readyTimeoutSec_(readyTimeoutSec),
       readyDeadlineMs_(NowMs() + static_cast<int64_t>(readyTimeoutSec) * 1000) {}
 
 EventLoop::~EventLoop() {
@@ -108,7 +109,7 @@ int EventLoop::Run() {
             Logf("ready");
         }
         if (!readyFlagCreated_ && now >= readyDeadlineMs_) {
-            Logf("the modem did not answer AT in time; giving up");
+            Logf("the modem did not answer AT within %u s; giving up", readyTimeoutSec_);
             return 1;
         }
     }

@@ -59,6 +59,7 @@ class EventLoop : private CommandScheduler::Io {
     bool modemFailed_ = false;  // a write failed; the port is dropped after this event
     int64_t nextOpenMs_ = 0;
     int64_t lastOpenMs_ = 0;
+    unsigned readyTimeoutSec_;
     int64_t readyDeadlineMs_ = 0;
     bool readyFlagCreated_ = false;
     std::deque<AtSrvMsg> replyBacklog_;  // replies waiting for room in the reply queue

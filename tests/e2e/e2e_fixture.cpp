@@ -198,7 +198,7 @@ void E2eTest::TearDown() {
     runtime_.reset();
 }
 
-void E2eTest::ExpectNothingLeft() const {
+void ExpectNothingLeft() {
     EXPECT_FALSE(FileExists(std::string(PidFileDir()) + kServerTaskName + ".pid"));
     EXPECT_FALSE(FileExists(ReadyFlagPath()));
     EXPECT_FALSE(QueueExists(kServerRecvProjId));

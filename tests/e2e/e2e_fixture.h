@@ -66,6 +66,9 @@ class AtServerProcess {
 // shipped rule and fault (written into the private root).
 std::string WriteTestScenario(const test::IsolatedRuntime &runtime);
 
+// No pid file, ready flag or queue of a server in the current root.
+void ExpectNothingLeft();
+
 // Test fixture: a server per test; TearDown checks that it stops cleanly and
 // leaves nothing behind.
 class E2eTest : public ::testing::Test {
@@ -74,7 +77,6 @@ class E2eTest : public ::testing::Test {
     void TearDown() override;
     // Arguments for atserver beyond --sim and the report file.
     virtual std::vector<std::string> ServerArgs() const { return {}; }
-    void ExpectNothingLeft() const;
 
     std::unique_ptr<test::IsolatedRuntime> runtime_;
     std::unique_ptr<AtServerProcess> server_;

@@ -132,11 +132,10 @@ bool EventLoop::HandleSignals() {
 }
 
 void EventLoop::TakeRequests(int64_t nowMs) {
-    std::vector<AtSrvMsg> records;
+    std::vector<IncomingRecord> records;
     queues_.TakeAll(&records);
-    for (const AtSrvMsg &record : records) {
-        scheduler_.OnRequest(record, ClassifyRecord(record, AT_SRV_MSG_PAYLOAD), nowMs);
-    }
+    for (const IncomingRecord &record : records)
+        scheduler_.OnRequest(record.msg, record.kind, nowMs);
 }
 
 void EventLoop::HandleTimer(int64_t nowMs) {

@@ -98,7 +98,7 @@ void RequestQueues::Destroy() {
     replyQid_ = -1;
 }
 
-void RequestQueues::TakeAll(std::vector<AtSrvMsg> *out) {
+void RequestQueues::TakeAll(std::vector<IncomingRecord> *out) {
     if (requestQid_ == -1) return;
     WireRecord wire;
     for (;;) {
@@ -112,12 +112,13 @@ void RequestQueues::TakeAll(std::vector<AtSrvMsg> *out) {
         const size_t payloadLen = static_cast<size_t>(got);
         memcpy_s(reinterpret_cast<char *>(&msg) + kTypeWordSize, AT_SRV_MSG_PAYLOAD, wire.payload,
                  payloadLen < AT_SRV_MSG_PAYLOAD ? payloadLen : AT_SRV_MSG_PAYLOAD);
-        if (ClassifyRecord(msg, payloadLen) == RecordKind::kMalformed) {
+        const RecordKind kind = ClassifyRecord(msg, payloadLen);
+        if (kind == RecordKind::kMalformed) {
             Logf("dropped a malformed record from %d: %zu bytes, reqType %u", msg.mtype, payloadLen,
                  msg.reqType);
             continue;
         }
-        out->push_back(msg);
+        out->push_back({msg, kind});
     }
 }
 

@@ -20,6 +20,11 @@ enum class RecordKind {
 // payloadLen is the size of the record behind its type word as received.
 RecordKind ClassifyRecord(const AtSrvMsg &msg, size_t payloadLen);
 
+struct IncomingRecord {
+    AtSrvMsg msg;
+    RecordKind kind;
+};
+
 class RequestQueues {
   public:
     RequestQueues() = default;
@@ -34,7 +39,7 @@ class RequestQueues {
 
     // Takes every record waiting in the request queue, without waiting.
     // Malformed records are logged and dropped; the rest are appended to *out.
-    void TakeAll(std::vector<AtSrvMsg> *out);
+    void TakeAll(std::vector<IncomingRecord> *out);
 
     enum class SendResult { kSent, kFull, kFailed };
     SendResult SendReply(const AtSrvMsg &reply);

@@ -62,8 +62,13 @@ bool CompileText(std::string_view raw, std::size_t captureCount, const SlotOf &s
         } else if (std::isdigit(static_cast<unsigned char>(next))) {
             const std::size_t number = static_cast<std::size_t>(next - '0');
             if (number > captureCount) {
-                *error = "$" + std::string(1, next) + " but the pattern has only " +
-                         std::to_string(captureCount) + " wildcard(s)";
+                // Appended piece by piece: g++ -O3 misreads the operator+ chain (-Wrestrict).
+                std::string message = "$";
+                message += next;
+                message += " but the pattern has only ";
+                message += std::to_string(captureCount);
+                message += " wildcard(s)";
+                *error = std::move(message);
                 return false;
             }
             Piece piece;

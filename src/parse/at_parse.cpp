@@ -6,32 +6,15 @@
 
 #include "link/at_log.h"
 #include "parse/at_parse_alloc.h"
+#include "parse/at_parse_rows.h"
 
 namespace {
 
 constexpr char kTraceSrc[] = "atapi/src/at_parse";
 
-// Owns a result under construction; releases it unless handed over.
-class RowsOwner {
-  public:
-    RowsOwner() = default;
-    RowsOwner(const RowsOwner &) = delete;
-    RowsOwner &operator=(const RowsOwner &) = delete;
-    ~RowsOwner() { FreeAtCmd(first_); }
-    AtCmdParseNode **Slot() { return &first_; }
-    AtCmdParseNode *Release() {
-        AtCmdParseNode *rows = first_;
-        first_ = nullptr;
-        return rows;
-    }
-
-  private:
-    AtCmdParseNode *first_ = nullptr;
-};
-
 // Parses the rows of reply (a work copy) behind its first ':' with the field
 // names behind the template's first ':'. Rows are appended to *out.
-int32_t ParseRows(AtCmdParseNode **out, const char *names, char *reply, const char *prefix) {
+int32_t ParseEveryRow(AtCmdParseNode **out, const char *names, char *reply, const char *prefix) {
     char *colon = std::strchr(reply, ':');
     char *cursor = colon + 1;
     bool haveRow = false;
@@ -76,7 +59,7 @@ int32_t ParseCommonAtStr(AtCmdParseNode **out, const char *atTemplate, char *rep
     if (namesColon == nullptr || std::strchr(replyCopy.Get(), ':') == nullptr) return AT_PARSE_OK;
 
     *out = nullptr;
-    return ParseRows(out, namesColon + 1, replyCopy.Get(), prefix);
+    return ParseEveryRow(out, namesColon + 1, replyCopy.Get(), prefix);
 }
 
 int32_t ParseSoftStr(AtCmdParseNode **out, const char *atTemplate, char *reply,
@@ -121,10 +104,9 @@ int32_t ParseNdisStateQueryAtStr(AtCmdParseNode **out, const char *atTemplate, c
     *namesClose = '\0';
     *valuesClose = '\0';
 
-    RowsOwner row;
     AtCmdParseNode *header = atapi::AtParseNewNode();
     if (header == nullptr) return AT_PARSE_BAD_ARG;
-    *row.Slot() = header;
+    atapi::ParseRows row(header);
     header->atFieldName = atapi::AtParseStrDup("cid");
     if (header->atFieldName == nullptr) return AT_PARSE_BAD_ARG;
     if (ParseField(&header->nextField, namesOpen + 1, valuesOpen + 1) != AT_PARSE_OK) {

@@ -111,13 +111,7 @@ int32_t MakeRangeRow(const char *groupName, char *rangeText, char *dash, AtCmdPa
 
 namespace atapi {
 
-ParseRows::~ParseRows() { FreeAtCmd(first_); }
-
 void TrimTextEnds(char *text, char ch) { SplitSpace(text, TrimSize(std::strlen(text)), ch); }
-
-void ParseRows::Append(AtCmdParseNode *row) {
-    if (row != nullptr) AddLinkNode(&first_, row);
-}
 
 int32_t SetAtFieldName(AtCmdParseNode *node, const char *name) {
     if (node == nullptr || name == nullptr) {

@@ -9,31 +9,9 @@
 
 #include "atapi/at_types.h"
 #include "parse/at_parse_alloc.h"
+#include "parse/at_parse_rows.h"
 
 namespace atapi {
-
-// Owns a chain of rows and releases it with FreeAtCmd unless Release()d.
-class ParseRows {
-  public:
-    ParseRows() = default;
-    explicit ParseRows(AtCmdParseNode *first) : first_(first) {}
-    ParseRows(const ParseRows &) = delete;
-    ParseRows &operator=(const ParseRows &) = delete;
-    ~ParseRows();
-
-    AtCmdParseNode *Get() const { return first_; }
-    // Links row (and the rows behind it) after the last row; null is ignored.
-    void Append(AtCmdParseNode *row);
-    void Append(ParseRows &&rows) { Append(rows.Release()); }
-    AtCmdParseNode *Release() {
-        AtCmdParseNode *first = first_;
-        first_ = nullptr;
-        return first;
-    }
-
-  private:
-    AtCmdParseNode *first_ = nullptr;
-};
 
 // Removes the leading and trailing runs of ch from text, in place.
 void TrimTextEnds(char *text, char ch);

@@ -17,7 +17,9 @@ bool Overlaps(const void *a, size_t aLen, const void *b, size_t bLen) {
     return x < y + bLen && y < x + aLen;
 }
 
-bool BadDest(const void *dest, size_t destMax) { return dest == nullptr || destMax == 0 || destMax > kMaxDest; }
+bool BadDest(const void *dest, size_t destMax) {
+    return dest == nullptr || destMax == 0 || destMax > kMaxDest;
+}
 
 }  // namespace
 

@@ -4,19 +4,13 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
-#include <mutex>
+
+#include "sink_slot.h"
 
 namespace {
 
-struct SinkSlot {
-    std::atomic<bool> installed{false};  // lets unwanted lines skip formatting
-    std::mutex lock;
-    PlatformLogSink sink = nullptr;
-    void *ctx = nullptr;
-};
-
-SinkSlot &Slot() {
-    static SinkSlot slot;
+platform::SinkSlot<PlatformLogSink> &Slot() {
+    static platform::SinkSlot<PlatformLogSink> slot;
     return slot;
 }
 
@@ -31,22 +25,13 @@ std::atomic<int> &Threshold() {
 }
 
 void Emit(const char *channel, const char *source, int level, const char *format, va_list ap) {
-    SinkSlot &slot = Slot();
-    if (!slot.installed.load(std::memory_order_acquire) &&
-        level > Threshold().load(std::memory_order_relaxed)) {
-        return;
-    }
+    if (!Slot().Installed() && level > Threshold().load(std::memory_order_relaxed)) return;
     char text[2048];
     std::vsnprintf(text, sizeof text, format, ap);
-    {
-        std::lock_guard<std::mutex> guard(slot.lock);
-        if (slot.sink != nullptr) {
-            slot.sink(slot.ctx, channel, source, level, text);
-            return;
-        }
-    }
+    if (Slot().Call(channel, source, level, static_cast<const char *>(text))) return;
     if (level <= Threshold().load(std::memory_order_relaxed)) {
-        std::fprintf(stderr, "[%s %d] %s: %s", channel, level, source != nullptr ? source : "", text);
+        std::fprintf(stderr, "[%s %d] %s: %s", channel, level, source != nullptr ? source : "",
+                     text);
     }
 }
 
@@ -72,13 +57,7 @@ void mlog_print(const char *name, int level, const char *format, ...) {
     va_end(ap);
 }
 
-void PlatformSetLogSink(PlatformLogSink sink, void *ctx) {
-    SinkSlot &slot = Slot();
-    std::lock_guard<std::mutex> guard(slot.lock);
-    slot.sink = sink;
-    slot.ctx = ctx;
-    slot.installed.store(sink != nullptr, std::memory_order_release);
-}
+void PlatformSetLogSink(PlatformLogSink sink, void *ctx) { Slot().Install(sink, ctx); }
 
 void PlatformSetLogThreshold(int level) { Threshold().store(level, std::memory_order_relaxed); }
 

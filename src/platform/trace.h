@@ -15,9 +15,8 @@ extern "C" {
 
 enum { TRACE_LEVEL_ERROR = 2, TRACE_LEVEL_INFO = 8, TRACE_LEVEL_DETAIL = 16 };
 
-void UMO_TRACE_PrintInfo(const char *sourcePath, int line, int module, const char *name,
-                         int level, const char *format, ...)
-    __attribute__((format(printf, 6, 7)));
+void UMO_TRACE_PrintInfo(const char *sourcePath, int line, int module, const char *name, int level,
+                         const char *format, ...) __attribute__((format(printf, 6, 7)));
 void mlog_print(const char *name, int level, const char *format, ...)
     __attribute__((format(printf, 3, 4)));
 

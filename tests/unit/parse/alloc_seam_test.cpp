@@ -1,34 +1,65 @@
-// The allocation seam of the parse layer: every block is wiped before it is
-// freed, nothing leaks, and every out-of-memory path returns its code.
+// Every parse routine through the allocation seam: each block is wiped before
+// it is freed, and whichever allocation fails, nothing leaks and nothing
+// half-built is handed out. Also the arguments every routine refuses.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
-#include <vector>
 
 #include "parse_test_util.h"
 
 namespace atapi::test {
 namespace {
 
-const char kSecretTemplate[] = "^CPIN:code,times";
-const char kSecretReply[] = "^CPIN: SIM PUK,\"  12345678  \"\r\n^CPIN: \"PIN2\",3";
+struct RoutineCase {
+    const char *label;
+    AtParseFn parse;
+    const char *atTemplate;
+    const char *reply;  // parses to at least one row
+    const char *prefix;
+    int32_t withoutTemplate;  // status for a null template
+    int32_t withoutPrefix;    // status for the reply read with a prefix it does not carry
+};
 
-TEST(AtParseAlloc, ZeroBytesNeverReachTheAllocator) {
-    AllocTracker tracker(/*failAt=*/1);
-    EXPECT_EQ(AtParseAlloc(0), nullptr);
-    // The zero-byte request was not counted: the first real one fails.
-    EXPECT_EQ(AtParseAlloc(8), nullptr);
-    auto *block = static_cast<unsigned char *>(AtParseAlloc(8));
-    ASSERT_NE(block, nullptr);
-    for (int i = 0; i < 8; ++i) EXPECT_EQ(block[i], 0);
-    AtParseRelease(block, 8);
-    EXPECT_EQ(tracker.Allocations(), 1u);
-    EXPECT_EQ(tracker.Live(), 0u);
-}
+constexpr int32_t kOk = AT_PARSE_OK;
+constexpr int32_t kBad = AT_PARSE_BAD_ARG;
+constexpr int32_t kNoTemplate = AT_PARSE_NO_TEMPLATE;
 
-// The observer itself must see a block that still holds data, or the wipe
-// checks below would prove nothing.
-TEST(AtParseAlloc, TrackerSeesUnwipedBlocks) {
+const RoutineCase kRoutines[] = {
+    {"Common", ParseCommonAtStr, "^CPIN:code,times",
+     "^CPIN: SIM PUK,\"  12345678  \"\r\n^CPIN: \"PIN2\",3", "^CPIN", kNoTemplate, kOk},
+    {"Soft", ParseSoftStr, "246.subsoftversion", "+CGMR: 21.110", "+CGMR", kNoTemplate, kBad},
+    {"Ndis", ParseNdisStateQueryAtStr, kNdisTemplate, "^NDISSTATQRY: (1,2)", "^NDISSTATQRY", kBad,
+     kBad},
+    {"Cmgi", ParseCmgiListAtStr, kCmgiTemplate, "^CMGI: 0,3,\"7\"", "^CMGI", kNoTemplate, kBad},
+    {"Cmgd", ParseSmsIndexListAtStr, kCmgdTemplate, "+CMGD: (1,2,5),(0-4)", "+CMGD", kNoTemplate,
+     kBad},
+    {"Cmgr", ParseSmsCmgrAtStr, kCmgrTemplate, "+CMGR: 1,,23\r\n0891683108200505F0040D9168",
+     "+CMGR", kBad, kOk},
+    {"Cgas", ParseAtCgasStr, kCgasTemplate, "62,17,-75", "^CGAS", kBad, kOk},
+    {"Eons", ParseEonsAtStr, kEonsTemplate,
+     "^EONS: 1,46000,\"A\",\"B\",0,\"\"\r\n^EONS: 1,46001,\"CHN-UNICOM\",\"UNICOM\",1,\"CU\"",
+     "^EONS", kNoTemplate, kBad},
+    {"SysCfg", ParseSysCfgAtStr, kSysCfgTemplate,
+     "^SYSCFG: (2-5),(0-3),((2000000400380,\"GSM900\"),(3FFFFFFF,\"All bands\")),(0-2),(0-4)",
+     "^SYSCFG", kBad, kBad},
+    {"SysCfgEx", ParseSysCfgExAtStr, kSysCfgExTemplate,
+     "^SYSCFGEX: (\"00\",\"01\"),((3FFFFFFF,\"All bands\")),(0-2),(0-4),((1,\"LTE BC1\"),"
+     "(7FFFFFFFFFFFFFFF,\"All bands\"))",
+     "^SYSCFGEX", kBad, kBad},
+    {"LteProfile", ParseLteProfileAtStr, kLteProfileTemplate,
+     "^LTEPROFILE: (0,1),(0-10),15,32,32,32,(0-3)", "^LTEPROFILE", kBad, kBad},
+    {"Cops", ParseCopsAtStr, kCopsTemplate,
+     "+COPS: (2,\"CHINA MOBILE\",\"CMCC\",\"46000\",7),(1,\"A, B\",\"AB\",\"46001\",2),,"
+     "(0,1,2,3,4),(0,1,2)",
+     "+COPS", kNoTemplate, kBad},
+    {"Cpms", ParseSmsMediaAtStr, kCpmsTemplate, "+CPMS: (\"SM\",\"ME\"),(\"SM\",\"ME\"),(\"SM\")",
+     "+CPMS", kBad, kBad},
+};
+
+// The observer must see a block that still holds data, or the wipe checks
+// would prove nothing.
+TEST(AllocTracker, SeesUnwipedBlocks) {
     AllocTracker tracker;
     char *text = AtParseStrDup("1234");
     AtParseRelease(text, 0);
@@ -36,128 +67,68 @@ TEST(AtParseAlloc, TrackerSeesUnwipedBlocks) {
     EXPECT_EQ(tracker.UnwipedFrees()[0], std::string("1234", 5));
 }
 
-TEST(FreeAtCmd, WipesEveryBlockOfAResult) {
+// The rows of one successful parse and the number of its allocations.
+Rows ParseCounting(const RoutineCase &c, uint64_t *allocations) {
     AllocTracker tracker;
-    std::string reply = kSecretReply;
-    AtCmdParseNode *out = nullptr;
-    ASSERT_EQ(ParseCommonAtStr(&out, kSecretTemplate, reply.data(), "^CPIN"), AT_PARSE_OK);
-    ASSERT_EQ(RowsOf(out), (Rows{{{"code", "SIM PUK"}, {"times", "  12345678  "}},
-                                 {{"code", "PIN2"}, {"times", "3"}}}));
-    const size_t resultBlocks = tracker.Live();
-    EXPECT_EQ(resultBlocks, 12u) << "two rows of two nodes, each with two strings";
-    FreeAtCmd(out);
-    EXPECT_EQ(tracker.Live(), 0u);
-    EXPECT_EQ(tracker.Frees(), tracker.Allocations());
-    EXPECT_TRUE(tracker.UnwipedFrees().empty()) << tracker.UnwipedFrees().front();
-}
-
-TEST(FreeAtCmdParseNode, WipesNodeAndStrings) {
-    AllocTracker tracker;
-    AtCmdParseNode *node = AtParseNewNode();
-    ASSERT_NE(node, nullptr);
-    node->atFieldName = AtParseStrDup("pin");
-    node->atFieldValue = AtParseStrDup("0000");
-    FreeAtCmdParseNode(node);
-    EXPECT_EQ(tracker.Frees(), 3u);
-    EXPECT_EQ(tracker.Live(), 0u);
-    EXPECT_TRUE(tracker.UnwipedFrees().empty());
-}
-
-// Every allocation of a call fails once in turn; the expected status is the
-// one of the step that allocates. Nothing may leak and every freed block
-// must have been wiped.
-struct OomCase {
-    const char *label;
-    int32_t (*run)(AtCmdParseNode **out);
-    std::vector<int32_t> statusByFailingAllocation;  // then 0 for later ones
-};
-
-void PrintTo(const OomCase &c, std::ostream *os) { *os << c.label; }
-
-int32_t ParseTwoRows(AtCmdParseNode **out) {
-    std::string reply = "+X: 1,2\r\n+X: 3,4";
-    return ParseCommonAtStr(out, "+X:a,b", reply.data(), "+X");
-}
-
-int32_t ParseSoft(AtCmdParseNode **out) {
-    std::string reply = "+CGMR: 21.110";
-    return ParseSoftStr(out, "246.subsoftversion", reply.data(), "+CGMR");
-}
-
-int32_t ParseNdis(AtCmdParseNode **out) {
-    std::string reply = "^NDISSTATQRY: (1,2)";
-    return ParseNdisStateQueryAtStr(out, "^NDISSTATQRY:(cid)", reply.data(), "^NDISSTATQRY");
-}
-
-// Order of the allocations of one row of ParseField over "a,b" and "1,2":
-// the two arrays, the names' work copy and pieces, the values' work copy and
-// pieces, the two nodes.
-const std::vector<int32_t> kFirstRowCodes = {-5, -5, -5, -1, -1, -5, -1, -1, -2, -2};
-
-std::vector<int32_t> Concat(std::vector<int32_t> a, const std::vector<int32_t> &b) {
-    a.insert(a.end(), b.begin(), b.end());
-    return a;
-}
-
-class OutOfMemoryTest : public ::testing::TestWithParam<OomCase> {};
-
-TEST_P(OutOfMemoryTest, ReturnsTheStepsCodeWithoutLeaks) {
-    const OomCase &c = GetParam();
-    uint64_t total = 0;
+    Rows rows;
     {
-        AllocTracker counter;
-        AtCmdParseNode *out = nullptr;
-        ASSERT_EQ(c.run(&out), AT_PARSE_OK);
-        FreeAtCmd(out);
-        total = counter.Allocations();
+        std::string reply = c.reply;
+        Result result;
+        EXPECT_EQ(c.parse(result.Out(), c.atTemplate, reply.data(), c.prefix), AT_PARSE_OK);
+        rows = result.rows();
     }
-    ASSERT_GE(total, c.statusByFailingAllocation.size());
-    for (uint64_t n = 1; n <= total; ++n) {
-        SCOPED_TRACE("failing allocation " + std::to_string(n));
-        AllocTracker tracker(n);
-        AtCmdParseNode *out = nullptr;
-        const int32_t status = c.run(&out);
-        const int32_t expected = n <= c.statusByFailingAllocation.size()
-                                     ? c.statusByFailingAllocation[n - 1]
-                                     : AT_PARSE_OK;
-        EXPECT_EQ(status, expected);
-        if (status != AT_PARSE_OK) {
-            EXPECT_EQ(out, nullptr);
+    tracker.ExpectAllReleasedWiped();
+    *allocations = tracker.Allocations();
+    return rows;
+}
+
+TEST(AllocationSeam, EveryFailedAllocationFailsCleanly) {
+    for (const RoutineCase &c : kRoutines) {
+        SCOPED_TRACE(c.label);
+        uint64_t allocations = 0;
+        const Rows all = ParseCounting(c, &allocations);
+        ASSERT_FALSE(all.empty());
+        // Only the template parser keeps the rows built before a later row failed.
+        const bool keepsEarlierRows = c.parse == ParseCommonAtStr;
+        bool keptEarlierRows = false;
+        for (uint64_t failAt = 1; failAt <= allocations; ++failAt) {
+            SCOPED_TRACE("failing allocation " + std::to_string(failAt));
+            std::string reply = c.reply;
+            AllocTracker tracker(failAt);
+            {
+                Result result;
+                const int32_t status = c.parse(result.Out(), c.atTemplate, reply.data(), c.prefix);
+                const Rows got = result.rows();
+                if (keepsEarlierRows && status == AT_PARSE_OK) {
+                    EXPECT_TRUE(!got.empty() && got.size() < all.size() &&
+                                std::equal(got.begin(), got.end(), all.begin()));
+                    keptEarlierRows = true;
+                } else {
+                    EXPECT_NE(status, AT_PARSE_OK);
+                    EXPECT_EQ(result.first, nullptr);
+                }
+            }
+            tracker.ExpectAllReleasedWiped();
         }
-        FreeAtCmd(out);
-        EXPECT_EQ(tracker.Live(), 0u);
-        EXPECT_TRUE(tracker.UnwipedFrees().empty());
+        EXPECT_EQ(keptEarlierRows, keepsEarlierRows);
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Routines, OutOfMemoryTest,
-    ::testing::Values(
-        // Two copies (-2), the first row; a failure in the second row keeps the first.
-        OomCase{"ParseCommonAtStr", ParseTwoRows, Concat({-2, -2}, kFirstRowCodes)},
-        OomCase{"ParseSoftStr", ParseSoft, {-5, -5, -5}},
-        // Template copy, header, its name, then the group's row: all -2.
-        OomCase{"ParseNdisStateQueryAtStr", ParseNdis, std::vector<int32_t>(12, -2)}),
-    [](const auto &info) { return std::string(info.param.label); });
-
-TEST(OutOfMemory, LaterRowFailureKeepsEarlierRows) {
-    // Allocation 13 is the second row's first array.
-    AllocTracker tracker(13);
-    Result result;
-    std::string reply = "+X: 1,2\r\n+X: 3,4";
-    ASSERT_EQ(ParseCommonAtStr(result.Out(), "+X:a,b", reply.data(), "+X"), AT_PARSE_OK);
-    EXPECT_EQ(result.rows(), (Rows{{{"a", "1"}, {"b", "2"}}}));
-}
-
-TEST(OutOfMemory, GetSubstringKeepsPiecesMadeBefore) {
-    AllocTracker tracker(2);
-    char *pieces[4] = {};
-    int32_t count = 4;
-    GetSubstring("+X: 1\r\n+X: 2\r\n+X: 3", pieces, &count, "+X");
-    ASSERT_EQ(count, 1);
-    EXPECT_STREQ(pieces[0], "+X: 1\r\n");
-    ReleaseSubstring(pieces, count);
-    EXPECT_EQ(tracker.Live(), 0u);
+TEST(ParseRoutines, RefuseMissingArgumentsAndForeignReplies) {
+    for (const RoutineCase &c : kRoutines) {
+        SCOPED_TRACE(c.label);
+        std::string reply = c.reply;
+        Result result;
+        EXPECT_EQ(c.parse(nullptr, c.atTemplate, reply.data(), c.prefix), AT_PARSE_BAD_ARG);
+        EXPECT_EQ(c.parse(result.Out(), c.atTemplate, nullptr, c.prefix), AT_PARSE_BAD_ARG);
+        EXPECT_EQ(c.parse(result.Out(), c.atTemplate, reply.data(), nullptr), AT_PARSE_BAD_ARG);
+        EXPECT_EQ(c.parse(result.Out(), nullptr, reply.data(), c.prefix), c.withoutTemplate);
+        EXPECT_EQ(result.first, nullptr);
+        Result foreign;  // the cell-list parser never looks for the prefix
+        EXPECT_EQ(c.parse(foreign.Out(), c.atTemplate, reply.data(), "^ABSENT"), c.withoutPrefix);
+    }
+    FreeAtCmd(nullptr);
+    FreeAtCmdParseNode(nullptr);
 }
 
 }  // namespace

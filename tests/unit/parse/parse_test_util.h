@@ -1,14 +1,16 @@
-// Helpers of the parse suites: a flat view of parse results and an observer
-// of the parse layer's allocation seam.
+// Helpers of the parse suites: a flat view of parse results, row builders, a
+// table runner for parse routines and an observer of the allocation seam.
 #pragma once
 
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <initializer_list>
 #include <map>
 #include <optional>
 #include <ostream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "atapi/at_parse.h"
@@ -17,6 +19,7 @@
 namespace atapi::test {
 
 using Text = std::optional<std::string>;
+inline const Text kNull = std::nullopt;
 
 struct Field {
     Text name;
@@ -31,21 +34,69 @@ inline std::ostream &operator<<(std::ostream &os, const Field &f) {
               << (f.value ? "\"" + *f.value + "\"" : "null") << "}";
 }
 
-inline Text TextOf(const char *s) { return s != nullptr ? Text(s) : std::nullopt; }
+inline const Rows kNoRows;
+inline Rows OneRow(Row row) { return {std::move(row)}; }
 
-inline Row RowOf(const AtCmdParseNode *first) {
-    Row row;
-    for (const AtCmdParseNode *n = first; n != nullptr; n = n->nextField) {
-        row.push_back({TextOf(n->atFieldName), TextOf(n->atFieldValue)});
-    }
-    return row;
-}
+inline Text TextOf(const char *s) { return s != nullptr ? Text(s) : kNull; }
 
 inline Rows RowsOf(const AtCmdParseNode *first) {
     Rows rows;
-    for (const AtCmdParseNode *r = first; r != nullptr; r = r->nextRow) rows.push_back(RowOf(r));
+    for (const AtCmdParseNode *r = first; r != nullptr; r = r->nextRow) {
+        Row row;
+        for (const AtCmdParseNode *n = r; n != nullptr; n = n->nextField) {
+            row.push_back({TextOf(n->atFieldName), TextOf(n->atFieldValue)});
+        }
+        rows.push_back(row);
+    }
     return rows;
 }
+
+// A group row: a header node (a name, no value), then the group's fields.
+inline Row Group(const char *name, std::initializer_list<Field> fields = {}) {
+    Row row{{TextOf(name), kNull}};
+    row.insert(row.end(), fields);
+    return row;
+}
+
+// A group row of anonymous numbered nodes first..last.
+inline Row Numbers(const char *name, int first, int last) {
+    Row row = Group(name);
+    for (int n = first; n <= last; ++n) row.push_back({kNull, std::to_string(n)});
+    return row;
+}
+
+// One row of "index_0", "index_1", ... holding values.
+inline Rows IndexRow(std::initializer_list<const char *> values) {
+    Row row;
+    for (const char *v : values) row.push_back({"index_" + std::to_string(row.size()), v});
+    return {row};
+}
+
+// "0,1,...,count-1".
+inline std::string CountedList(int count) {
+    std::string list;
+    for (int i = 0; i < count; ++i) list += (i == 0 ? "" : ",") + std::to_string(i);
+    return list;
+}
+
+// Templates of the special parsers, as the handler tables carry them.
+inline constexpr char kSysCfgTemplate[] =
+    "^SYSCFG:(modes),(acqorders),((band,band_name)),(roman),(srvdomain)";
+inline constexpr char kSysCfgExTemplate[] =
+    "^SYSCFGEX:(acqorders),((band,band_name)),(roams),(srvdomains),((lteband,lteband_name))";
+inline constexpr char kLteProfileTemplate[] =
+    "^LTEPROFILE:(mode1,mode2),(indexs),maximsiprefixlen,maxapnlen,maxusernamelen,"
+    "maxuserpwdlen,(authtypes)";
+inline constexpr char kCopsTemplate[] =
+    "+COPS:(stat,long_oper,short_oper,numeric_oper,rat),,(mode_0,mode_1,mode_2,mode_3,mode_4),"
+    "(format_0,format_1,format_2)";
+inline constexpr char kEonsTemplate[] = "^EONS:type,plmn_id,plmn_long,plmn_short,spn_cond,spn";
+inline constexpr char kCmgiTemplate[] = "^CMGI:index_0,...indexN";
+inline constexpr char kCmgdTemplate[] = "+CMGD:index_0,...indexN";
+inline constexpr char kCmgrTemplate[] = "+CMGR:stat,reserved,length\r\npdu";
+inline constexpr char kCgasTemplate[] = "arfcn,bsic,rxlev";
+inline constexpr char kCpmsTemplate[] = "+CPMS:(mem1,mem2),...";
+inline constexpr char kNdisTemplate[] = "^NDISSTATQRY:(cid)";
 
 // Owns a parse result for the duration of a test.
 struct Result {
@@ -77,9 +128,14 @@ class AllocTracker {
 
     size_t Live() const { return live_.size(); }
     uint64_t Allocations() const { return allocations_; }
-    uint64_t Frees() const { return frees_; }
     // Freed blocks that still held data, with the bytes they held.
     const std::vector<std::string> &UnwipedFrees() const { return unwiped_; }
+
+    // Nothing of the parse layer left allocated, nothing freed unwiped.
+    void ExpectAllReleasedWiped() const {
+        EXPECT_EQ(Live(), 0u);
+        EXPECT_TRUE(unwiped_.empty()) << unwiped_.front();
+    }
 
   private:
     static void OnAlloc(void *ctx, void *block, size_t bytes) {
@@ -91,7 +147,6 @@ class AllocTracker {
         auto *self = static_cast<AllocTracker *>(ctx);
         auto it = self->live_.find(block);
         if (it == self->live_.end()) return;  // allocated before the tracker
-        ++self->frees_;
         const auto *bytes = static_cast<const unsigned char *>(block);
         for (size_t i = 0; i < it->second; ++i) {
             if (bytes[i] != 0) {
@@ -104,8 +159,33 @@ class AllocTracker {
 
     std::map<void *, size_t> live_;
     uint64_t allocations_ = 0;
-    uint64_t frees_ = 0;
     std::vector<std::string> unwiped_;
 };
+
+// One call of a parse routine and what it must give.
+struct ParseCase {
+    const char *label;
+    AtParseFn parse;
+    const char *atTemplate;
+    std::string reply;
+    const char *prefix;
+    int32_t status;
+    Rows rows;
+};
+
+// Runs a case on a copy of its reply, which it returns as the call left it;
+// every block must come back wiped.
+inline std::string ExpectParse(const ParseCase &c) {
+    SCOPED_TRACE(c.label);
+    std::string reply = c.reply;
+    AllocTracker tracker;
+    {
+        Result result;
+        EXPECT_EQ(c.parse(result.Out(), c.atTemplate, reply.data(), c.prefix), c.status);
+        EXPECT_EQ(result.rows(), c.rows);
+    }
+    tracker.ExpectAllReleasedWiped();
+    return reply;
+}
 
 }  // namespace atapi::test

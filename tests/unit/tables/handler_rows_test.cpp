@@ -3,11 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <cstring>
 #include <fstream>
 #include <map>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "atapi/at_parse.h"
@@ -110,35 +110,21 @@ std::vector<ExpectedTable> LoadExpectedTables() {
     return tables;
 }
 
-const std::map<std::string, AtParseFn> &Routines() {
+// A symbol with its name.
+#define NAMED(symbol) std::make_pair(#symbol, symbol)
+
+// The routine that a name of the text stands for.
+AtParseFn RoutineNamed(const std::string &name) {
     static const std::map<std::string, AtParseFn> routines = {
-        {kNull, nullptr},
-        {"ParseCommonAtStr", ParseCommonAtStr},
-        {"ParseSoftStr", ParseSoftStr},
-        {"ParseNdisStateQueryAtStr", ParseNdisStateQueryAtStr},
-        {"ParseCmgiListAtStr", ParseCmgiListAtStr},
-        {"ParseSmsCmgrAtStr", ParseSmsCmgrAtStr},
-        {"ParseAtCgasStr", ParseAtCgasStr},
-        {"ParseEonsAtStr", ParseEonsAtStr},
-        {"ParseSysCfgAtStr", ParseSysCfgAtStr},
-        {"ParseSysCfgExAtStr", ParseSysCfgExAtStr},
-        {"ParseLteProfileAtStr", ParseLteProfileAtStr},
-        {"ParseCopsAtStr", ParseCopsAtStr},
-        {"ParseSmsMediaAtStr", ParseSmsMediaAtStr},
-        {"ParseSmsIndexListAtStr", ParseSmsIndexListAtStr},
-    };
-    return routines;
-}
-
-std::string RoutineName(AtParseFn fn) {
-    for (const auto &[name, routine] : Routines()) {
-        if (routine == fn) return name;
-    }
-    return "(unknown routine)";
-}
-
-std::string TemplateText(const char *atTemplate) {
-    return atTemplate == nullptr ? std::string(kNull) : std::string(atTemplate);
+        NAMED(ParseCommonAtStr),      NAMED(ParseSoftStr),      NAMED(ParseNdisStateQueryAtStr),
+        NAMED(ParseCmgiListAtStr),    NAMED(ParseSmsCmgrAtStr), NAMED(ParseAtCgasStr),
+        NAMED(ParseEonsAtStr),        NAMED(ParseSysCfgAtStr),  NAMED(ParseSysCfgExAtStr),
+        NAMED(ParseLteProfileAtStr),  NAMED(ParseCopsAtStr),    NAMED(ParseSmsMediaAtStr),
+        NAMED(ParseSmsIndexListAtStr)};
+    if (name == kNull) return nullptr;
+    const auto it = routines.find(name);
+    EXPECT_TRUE(it != routines.end()) << "unknown routine " << name;
+    return it != routines.end() ? it->second : nullptr;
 }
 
 const AtParseHandler *ModuleTable(int32_t module) {
@@ -157,32 +143,16 @@ class HandlerRowsTest : public testing::Test {
 
 std::vector<ExpectedTable> HandlerRowsTest::expected_;
 
-TEST_F(HandlerRowsTest, ModuleTable_ListsEveryTableInOrder) {
-    for (size_t i = 0; i < atapi::kModuleCount; ++i) {
-        SCOPED_TRACE(expected_[i].name);
-        EXPECT_EQ(atapi::g_atParseModules[i].moduleId, expected_[i].module);
-        EXPECT_NE(atapi::g_atParseModules[i].handlers, nullptr);
-    }
-}
-
 TEST_F(HandlerRowsTest, ExportedTables_AreTheModuleTablesEntries) {
     const std::map<std::string, const AtParseHandler *> exported = {
-        {"g_initialReportHandlers", g_initialReportHandlers},
-        {"g_networkCfgHandlers", g_networkCfgHandlers},
-        {"g_sysCfgHandlers", g_sysCfgHandlers},
-        {"g_pinCfgHandlers", g_pinCfgHandlers},
-        {"g_smsCfgHandlers", g_smsCfgHandlers},
-        {"g_phoneRecordCfgHandlers", g_phoneRecordCfgHandlers},
-        {"g_spnCfgHandlers", g_spnCfgHandlers},
-        {"g_profileCfgHandlers", g_profileCfgHandlers},
-        {"g_ussdCfgHandlers", g_ussdCfgHandlers},
-        {"g_stkMenuCfgHandlers", g_stkMenuCfgHandlers},
-        {"g_stkTextCfgHandlers", g_stkTextCfgHandlers},
-        {"g_stkInputCfgHandlers", g_stkInputCfgHandlers},
-        {"g_stkRefreshCfgHandlers", g_stkRefreshCfgHandlers},
-        {"g_stkBrowserCfgHandlers", g_stkBrowserCfgHandlers},
-        {"g_stkActionCfgHandlers", g_stkActionCfgHandlers},
-    };
+        NAMED(g_initialReportHandlers), NAMED(g_networkCfgHandlers),
+        NAMED(g_sysCfgHandlers),        NAMED(g_pinCfgHandlers),
+        NAMED(g_smsCfgHandlers),        NAMED(g_phoneRecordCfgHandlers),
+        NAMED(g_spnCfgHandlers),        NAMED(g_profileCfgHandlers),
+        NAMED(g_ussdCfgHandlers),       NAMED(g_stkMenuCfgHandlers),
+        NAMED(g_stkTextCfgHandlers),    NAMED(g_stkInputCfgHandlers),
+        NAMED(g_stkRefreshCfgHandlers), NAMED(g_stkBrowserCfgHandlers),
+        NAMED(g_stkActionCfgHandlers)};
     size_t found = 0;
     for (const ExpectedTable &table : expected_) {
         const auto it = exported.find(table.name);
@@ -194,8 +164,10 @@ TEST_F(HandlerRowsTest, ExportedTables_AreTheModuleTablesEntries) {
 }
 
 TEST_F(HandlerRowsTest, EveryRow_MatchesTheTranscription) {
-    for (const ExpectedTable &table : expected_) {
-        const AtParseHandler *handlers = ModuleTable(table.module);
+    for (size_t t = 0; t < atapi::kModuleCount; ++t) {
+        const ExpectedTable &table = expected_[t];
+        ASSERT_EQ(atapi::g_atParseModules[t].moduleId, table.module) << "module table order";
+        const AtParseHandler *handlers = atapi::g_atParseModules[t].handlers;
         ASSERT_NE(handlers, nullptr) << table.name;
         for (size_t i = 0; i < table.rows.size(); ++i) {
             const ExpectedRow &want = table.rows[i];
@@ -206,13 +178,15 @@ TEST_F(HandlerRowsTest, EveryRow_MatchesTheTranscription) {
             EXPECT_EQ(got.moduleId, want.idWord);
             for (size_t mode = 0; mode < AT_PARSE_MODE_COUNT; ++mode) {
                 SCOPED_TRACE("mode " + std::to_string(mode));
-                EXPECT_EQ(TemplateText(got.atTemplate[mode]), want.slots[mode].atTemplate);
-                ASSERT_EQ(Routines().count(want.slots[mode].routine), 1u);
-                EXPECT_EQ(RoutineName(got.parseFn[mode]), want.slots[mode].routine);
+                const ExpectedSlot &slot = want.slots[mode];
+                EXPECT_EQ(got.atTemplate[mode] != nullptr ? got.atTemplate[mode] : kNull,
+                          slot.atTemplate);
+                EXPECT_EQ(got.parseFn[mode], RoutineNamed(slot.routine)) << slot.routine;
             }
-            const AtFreeFn wantFree = want.freeRoutine == "FreeAtCmd" ? FreeAtCmd : nullptr;
-            EXPECT_TRUE(want.freeRoutine == "FreeAtCmd" || want.freeRoutine == kNull);
-            EXPECT_EQ(got.freeFn, wantFree);
+            EXPECT_EQ(got.freeFn == FreeAtCmd ? "FreeAtCmd"
+                      : got.freeFn            ? "(other)"
+                                              : kNull,
+                      want.freeRoutine);
         }
     }
 }
@@ -228,11 +202,6 @@ TEST_F(HandlerRowsTest, EveryTable_EndsOrRunsOnAsWritten) {
         }
         EXPECT_EQ(after.atName, nullptr);
         EXPECT_EQ(after.moduleId, table.endIdWord);
-        for (size_t mode = 0; mode < AT_PARSE_MODE_COUNT; ++mode) {
-            EXPECT_EQ(after.atTemplate[mode], nullptr);
-            EXPECT_EQ(after.parseFn[mode], nullptr);
-        }
-        EXPECT_EQ(after.freeFn, nullptr);
     }
 }
 

@@ -7,8 +7,9 @@
 #include <string>
 #include <thread>
 
-#include "atapi/at_types.h"
+#include "atapi/at_link.h"
 #include "link/at_lib_state.h"
+#include "link/ats_paths.h"
 
 namespace atapi::test {
 
@@ -26,11 +27,16 @@ inline AtSrvMsg MakeRequest(const std::string &cmd, const std::string &atName = 
 
 // Waits (a bounded while) for another thread to make done() true.
 inline bool Eventually(const std::function<bool()> &done) {
-    for (int i = 0; i < 500; ++i) {
-        if (done()) return true;
+    for (int i = 0; i < 500 && !done(); ++i) {
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }
     return done();
 }
+
+// atserver's queues with nobody serving them; the runtime root removes them.
+struct ServerQueues {
+    int recv = AtsMsgQueueCreate(kServerRecvProjId, 10, AT_SRV_MSG_SIZE);
+    int send = AtsMsgQueueCreate(kServerSendProjId, 10, AT_SRV_MSG_SIZE);
+};
 
 }  // namespace atapi::test

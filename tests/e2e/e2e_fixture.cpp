@@ -3,7 +3,6 @@
 #include <fcntl.h>
 #include <signal.h>
 #include <spawn.h>
-#include <sys/ipc.h>
 #include <sys/msg.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -11,8 +10,10 @@
 #include <chrono>
 #include <cstring>
 #include <fstream>
+#include <functional>
 #include <sstream>
 #include <thread>
+#include <utility>
 
 #include "atapi/at_link.h"
 #include "atapi/at_send.h"
@@ -25,9 +26,24 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr auto kReadyTimeout = std::chrono::seconds(20);
-constexpr auto kStopTimeout = std::chrono::seconds(15);
 constexpr auto kPollStep = std::chrono::milliseconds(10);
+
+// Exact texts of our own and unsolicited-report prefixes inside replies, in
+// front of every shipped rule and fault.
+constexpr char kScenarioRules[] =
+    "on AT+CGMI\n  line E2E Modem Works\n"
+    "on AT+CGDCONT?\n"
+    "  line +CGDCONT: 1,\"IP\",\"internet\",\"0.0.0.0\",0,0\n"
+    "  line +CGDCONT: 2,\"IPV4V6\",\"ims\",\"0.0.0.0\",0,0\n"
+    "on AT+CREG?\n"
+    "  line +CREG: 2,1,\"00C3\",\"0000A1B2\"\n"
+    "on AT+E2ERSSI\n"
+    "  line ^RSSI: 20\n"
+    "on AT+E2ESMS\n"
+    "  line +E2ESMS: 1\n"
+    "  urc +CMT: ,24\n"
+    "  urc 07911326040000F0040B911346610089F60000208062917314080CC8F71D14969741F977FD07\n"
+    "  line +E2ESMS: 2\n";
 
 std::string ReadFile(const std::string &path) {
     std::ifstream in(path, std::ios::binary);
@@ -43,19 +59,27 @@ bool QueueExists(int projId) {
     return key != -1 && msgget(key, 0) != -1;
 }
 
+// Polls done() until it holds or the time is up.
+bool WaitUntil(const std::function<bool()> &done, std::chrono::seconds limit) {
+    const auto deadline = Clock::now() + limit;
+    while (!done()) {
+        if (Clock::now() >= deadline) return false;
+        std::this_thread::sleep_for(kPollStep);
+    }
+    return true;
+}
+
 // posix_spawn of argv with stdout and stderr sent to files; -1 on failure.
-pid_t Spawn(const std::vector<std::string> &argv, const std::string &outPath,
-            const std::string &errPath) {
-    std::vector<std::string> words = argv;
+pid_t Spawn(std::vector<std::string> argv, const std::string &outPath, const std::string &errPath) {
     std::vector<char *> args;
-    for (std::string &word : words) args.push_back(word.data());
+    for (std::string &word : argv) args.push_back(word.data());
     args.push_back(nullptr);
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, outPath.c_str(),
                                      O_WRONLY | O_CREAT | O_TRUNC, 0644);
     posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, errPath.c_str(),
-                                     O_WRONLY | O_CREAT | O_APPEND, 0644);
+                                     O_WRONLY | O_CREAT | O_TRUNC, 0644);
     pid_t pid = -1;
     const int error = posix_spawn(&pid, args[0], &actions, nullptr, args.data(), environ);
     posix_spawn_file_actions_destroy(&actions);
@@ -78,17 +102,14 @@ Exchange Send(const std::string &cmd, int32_t timeoutSec, const char *prefix) {
         const AtSrvRcvMsg &reply = msg.sndRcvMsg.rMsg;
         result.retVal = reply.retVal;
         result.text.assign(reply.atReportStr, strnlen(reply.atReportStr, sizeof reply.atReportStr));
-        result.reportLen = reply.atReportLen;
+        EXPECT_EQ(reply.atReportLen, static_cast<int32_t>(result.text.size())) << cmd;
     }
     return result;
 }
 
 ProcessResult RunProcess(const std::vector<std::string> &argv, const std::string &dir) {
-    const std::string outPath = dir + "/process.out";
-    const std::string errPath = dir + "/process.err";
-    std::remove(errPath.c_str());
     ProcessResult result;
-    const pid_t pid = Spawn(argv, outPath, errPath);
+    const pid_t pid = Spawn(argv, dir + "/process.out", dir + "/process.err");
     if (pid == -1) {
         ADD_FAILURE() << "cannot start " << argv.front();
         return result;
@@ -97,8 +118,8 @@ ProcessResult RunProcess(const std::vector<std::string> &argv, const std::string
     while (waitpid(pid, &status, 0) == -1 && errno == EINTR) {
     }
     result.exitCode = ExitCode(status);
-    result.out = ReadFile(outPath);
-    result.err = ReadFile(errPath);
+    result.out = ReadFile(dir + "/process.out");
+    result.err = ReadFile(dir + "/process.err");
     return result;
 }
 
@@ -113,89 +134,38 @@ void AtServerProcess::Start(const std::string &scenario,
     std::vector<std::string> argv{ATSERVER_PATH, "--sim",    scenario,     "--atsim",
                                   ATSIM_PATH,    "--report", ReportPath(), "-v"};
     argv.insert(argv.end(), extraArgs.begin(), extraArgs.end());
-    pid_ = Spawn(argv, runtime_.Path("/atserver.out"), LogPath());
+    pid_ = Spawn(argv, runtime_.Path("/atserver.out"), runtime_.Path("/atserver.log"));
     ASSERT_NE(pid_, -1) << "cannot start " << ATSERVER_PATH;
-    const auto deadline = Clock::now() + kReadyTimeout;
-    while (!FileExists(ReadyFlagPath())) {
-        int status = 0;
-        if (waitpid(pid_, &status, WNOHANG) == pid_) {
-            pid_ = -1;
-            FAIL() << "atserver ended before it was ready (exit " << ExitCode(status) << "):\n"
-                   << Log();
-        }
-        ASSERT_LT(Clock::now(), deadline) << "atserver not ready in time:\n" << Log();
-        std::this_thread::sleep_for(kPollStep);
-    }
+    // Peeks at an early end without reaping: the destructor still owns the child.
+    const auto ended = [this] {
+        siginfo_t info{};
+        return waitid(P_PID, pid_, &info, WEXITED | WNOHANG | WNOWAIT) == 0 && info.si_pid == pid_;
+    };
+    WaitUntil([&] { return FileExists(ReadyFlagPath()) || ended(); }, std::chrono::seconds(20));
+    ASSERT_TRUE(FileExists(ReadyFlagPath())) << "atserver not ready:\n" << Log();
 }
 
 int AtServerProcess::Stop() {
     if (pid_ <= 0) return -1;
     kill(pid_, SIGTERM);
-    const auto deadline = Clock::now() + kStopTimeout;
     int status = 0;
-    pid_t done = 0;
-    while ((done = waitpid(pid_, &status, WNOHANG)) == 0 && Clock::now() < deadline) {
-        std::this_thread::sleep_for(kPollStep);
+    const pid_t pid = std::exchange(pid_, -1);
+    if (WaitUntil([&] { return waitpid(pid, &status, WNOHANG) == pid; },
+                  std::chrono::seconds(15))) {
+        return ExitCode(status);
     }
-    if (done != pid_) {
-        kill(pid_, SIGKILL);
-        waitpid(pid_, &status, 0);
-        pid_ = -1;
-        return -1;
-    }
-    pid_ = -1;
-    return ExitCode(status);
+    kill(pid, SIGKILL);
+    waitpid(pid, nullptr, 0);
+    return -1;
 }
 
 bool AtServerProcess::Alive() const { return pid_ > 0 && kill(pid_, 0) == 0; }
 
-std::string AtServerProcess::Log() const { return ReadFile(LogPath()); }
+std::string AtServerProcess::Log() const { return ReadFile(runtime_.Path("/atserver.log")); }
 
-bool AtServerProcess::WaitForLog(const std::string &needle, int timeoutMs) const {
-    const auto deadline = Clock::now() + std::chrono::milliseconds(timeoutMs);
-    while (Log().find(needle) == std::string::npos) {
-        if (Clock::now() >= deadline) return false;
-        std::this_thread::sleep_for(kPollStep);
-    }
-    return true;
-}
-
-std::string LongReplyLine(int n) {
-    return "+E2ELONG: " + std::string(n < 10 ? "0" : "") + std::to_string(n) + " " +
-           std::string(50, 'x');
-}
-
-std::string WriteTestScenario(const test::IsolatedRuntime &runtime) {
-    const std::string path = runtime.Path("/e2e.scn");
-    std::ofstream out(path);
-    out << "on AT+CGMI\n  line " << kManufacturer << "\n";
-    out << "on AT+CGDCONT?\n";
-    std::istringstream rows(kPdpContexts);
-    for (std::string row; std::getline(rows, row);) {
-        if (!row.empty() && row.back() == '\r') row.pop_back();
-        out << "  line " << row << "\n";
-    }
-    out << "on AT+E2ELONG\n";
-    for (int n = 1; n <= kLongReplyLines; ++n) out << "  line " << LongReplyLine(n) << "\n";
-    out << kScenarioRules << "include " << ATSIM_SCENARIO_DIR << "/faults.scn\n";
-    if (!out) ADD_FAILURE() << "cannot write " << path;
-    return path;
-}
-
-void E2eTest::SetUp() {
-    runtime_ = std::make_unique<test::IsolatedRuntime>();
-    scenario_ = WriteTestScenario(*runtime_);
-    server_ = std::make_unique<AtServerProcess>(*runtime_);
-    server_->Start(scenario_, ServerArgs());
-}
-
-void E2eTest::TearDown() {
-    if (server_->Pid() > 0) {
-        EXPECT_EQ(server_->Stop(), 0) << server_->Log();
-        ExpectNothingLeft();
-    }
-    server_.reset();
-    runtime_.reset();
+bool AtServerProcess::WaitForLog(const std::string &needle) const {
+    return WaitUntil([&] { return Log().find(needle) != std::string::npos; },
+                     std::chrono::seconds(5));
 }
 
 void ExpectNothingLeft() {
@@ -205,11 +175,35 @@ void ExpectNothingLeft() {
     EXPECT_FALSE(QueueExists(kServerSendProjId));
 }
 
+void E2eTest::SetUp() {
+    runtime_ = std::make_unique<test::IsolatedRuntime>();
+    scenario_ = runtime_->Path("/e2e.scn");
+    std::ofstream out(scenario_);
+    out << kScenarioRules << "on AT+E2ELONG\n";
+    for (int n = 1; n <= kLongReplyLines; ++n) out << "  line " << LongReplyLine(n) << "\n";
+    out << "include " << ATSIM_SCENARIO_DIR << "/faults.scn\n";
+    out.close();
+    ASSERT_TRUE(out) << "cannot write " << scenario_;
+    server_ = std::make_unique<AtServerProcess>(*runtime_);
+    server_->Start(scenario_, ServerArgs());
+}
+
+void E2eTest::TearDown() {
+    if (server_ != nullptr && server_->Pid() > 0) {
+        EXPECT_EQ(server_->Stop(), 0) << server_->Log();
+        ExpectNothingLeft();
+    }
+    server_.reset();
+    runtime_.reset();
+}
+
+std::string LongReplyLine(int n) {
+    return "+E2ELONG: " + std::to_string(10 + n) + " " + std::string(50, 'x');
+}
+
 bool SendRaw(int qid, const void *msg, uint32_t length) {
     std::vector<char> copy(static_cast<const char *>(msg), static_cast<const char *>(msg) + length);
     return AtsMsgQueueExSend(qid, copy.data(), length, 0) == 1;
 }
-
-int32_t ForeignMtype(int32_t n) { return 0x40000000 + n; }
 
 }  // namespace atapi::e2e

@@ -1,4 +1,5 @@
-// atcli raw against the real atserver, and without one.
+// atserver and atcli run as processes: atcli against the running server and
+// without one, a start that gets no answer from the modem, a second server.
 #include <string>
 #include <vector>
 
@@ -8,32 +9,24 @@
 namespace atapi::e2e {
 namespace {
 
-struct CliCase {
-    std::vector<std::string> args;
-    int exitCode;
-    std::string out;
-};
-
 TEST_F(E2eTest, Atcli_RawPrintsClassAndText) {
-    const CliCase cases[] = {
+    struct Case {
+        std::vector<std::string> args;
+        int exitCode;
+        std::string out;
+    };
+    const Case cases[] = {
         {{"raw", "AT+CGMI"}, 0, std::string("OK (2)\n") + kManufacturer + "\n"},
-        {{"raw", "AT"}, 0, "OK (2)\n"},
         {{"raw", "AT+CPIN=\"0000\""}, 1, "CME ERROR (3)\n+CME ERROR: 16\n"},
         {{"raw", "AT+NOSUCHCOMMAND", "--timeout", "5"}, 1, "ERROR (5)\nERROR\n"},
         {{"raw", "AT+CGMI", "--json"},
          0,
          std::string("{\"command\":\"AT+CGMI\",\"class\":\"OK\",\"retVal\":2,\"text\":\"") +
              kManufacturer + "\"}\n"},
-        {{"raw", "AT+CGDCONT?", "--prefix", "+CGDCONT", "--json"},
-         0,
-         "{\"command\":\"AT+CGDCONT?\",\"class\":\"OK\",\"retVal\":2,\"text\":\"+CGDCONT: "
-         "1,\\\"IP\\\",\\\"internet\\\",\\\"0.0.0.0\\\",0,0\\r\\n+CGDCONT: "
-         "2,\\\"IPV4V6\\\",\\\"ims\\\",\\\"0.0.0.0\\\",0,0\\r\\n+CGDCONT: "
-         "3,\\\"IPV4V6\\\",\\\"sos\\\",\\\"0.0.0.0\\\",0,0\"}\n"},
         {{"raw"}, 2, ""},
         {{"nosuchsubcommand"}, 2, ""},
     };
-    for (const CliCase &c : cases) {
+    for (const Case &c : cases) {
         std::vector<std::string> argv{ATCLI_PATH};
         argv.insert(argv.end(), c.args.begin(), c.args.end());
         SCOPED_TRACE(c.args.back());
@@ -50,6 +43,28 @@ TEST(AtcliWithoutServer, Atcli_SaysSoAndExitsTwo) {
     EXPECT_EQ(result.out, "");
     EXPECT_EQ(result.err, "atcli: atserver is not running (no ready flag at " +
                               runtime.Path(kReadyFlagPath) + ")\n");
+}
+
+TEST(AtserverStart, ModemThatNeverAnswersEndsTheStartWithAClearError) {
+    test::IsolatedRuntime runtime;
+    const ProcessResult result = RunProcess({ATSERVER_PATH, "--sim", runtime.Path("/no-such.scn"),
+                                             "--atsim", ATSIM_PATH, "--ready-timeout", "1"},
+                                            runtime.Root());
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_NE(result.err.find("the modem did not answer AT within 1 s; giving up"),
+              std::string::npos)
+        << result.err;
+    ExpectNothingLeft();
+}
+
+TEST_F(E2eTest, Start_SecondServerLeavesTheRunningOneAlone) {
+    const ProcessResult second =
+        RunProcess({ATSERVER_PATH, "--sim", scenario_, "--atsim", ATSIM_PATH}, runtime_->Root());
+    EXPECT_EQ(second.exitCode, 1);
+    EXPECT_NE(second.err.find("atserver is already running (pid " + std::to_string(server_->Pid())),
+              std::string::npos)
+        << second.err;
+    EXPECT_EQ(Send("AT+CGMI").text, kManufacturer);
 }
 
 }  // namespace

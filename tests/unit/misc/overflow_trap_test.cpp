@@ -10,15 +10,17 @@
 
 namespace {
 
-// Kept out of line so that the compiler cannot fold the overflow away.
-[[gnu::noinline]] int32_t AddCounters(int32_t a, int32_t b) { return a + b; }
-[[gnu::noinline]] int32_t ScaleLength(int32_t a, int32_t b) { return a * b; }
+// Kept out of the optimiser's sight (noipa) and their results kept (volatile)
+// so that the compiler can neither fold nor drop the overflowing operation.
+[[gnu::noipa]] int32_t AddCounters(int32_t a, int32_t b) { return a + b; }
+[[gnu::noipa]] int32_t ScaleLength(int32_t a, int32_t b) { return a * b; }
+volatile int32_t g_result;
 
 TEST(OverflowTrap, SignedArithmeticEndsTheProcess) {
     EXPECT_EQ(AddCounters(INT32_MAX - 1, 1), INT32_MAX);
-    EXPECT_DEATH(AddCounters(INT32_MAX, 1), "");
-    EXPECT_DEATH(AddCounters(INT32_MIN, -1), "");
-    EXPECT_DEATH(ScaleLength(INT32_MAX / 2 + 1, 2), "");
+    EXPECT_DEATH(g_result = AddCounters(INT32_MAX, 1), "");
+    EXPECT_DEATH(g_result = AddCounters(INT32_MIN, -1), "");
+    EXPECT_DEATH(g_result = ScaleLength(INT32_MAX / 2 + 1, 2), "");
 }
 
 }  // namespace

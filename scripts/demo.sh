@@ -28,12 +28,15 @@ for _ in $(seq 100); do
 done
 [ -e "$root/var/ats_ready.flg" ] || { echo "atserver did not get ready:"; cat "$root/atserver.log"; exit 1; }
 
-for cmd in "AT+CGMI" "AT+CGMM" "AT+CPIN?" "AT+CSQ" "AT+CGDCONT?" "AT+COPS?" "AT+CPIN=\"0000\""; do
+for cmd in "AT+CGMI" "AT+CGMM" "AT+CPIN?" "AT+CPIN=\"0000\"" "AT+CPIN=\"1234\"" "AT+CPIN?" \
+           "AT+CSQ" "AT+CGDCONT?" "AT+COPS?"; do
     echo "\$ atcli raw '$cmd'"
     "$bin/tools/atcli" raw "$cmd" || true
     echo
 done
 
+echo "(waiting a few seconds for the modem's unsolicited reports)"
+sleep 4
 kill -TERM "$server"
 wait "$server"
 status=$?

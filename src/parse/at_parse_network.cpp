@@ -27,6 +27,16 @@ const char *LastOccurrence(const char *text, const char *needle) {
     return last;
 }
 
+// The reply from the prefix occurrence on, for the group test replies; null
+// when an argument is missing or the reply does not carry the prefix.
+const char *GroupReplyText(AtCmdParseNode **out, const char *atTemplate, const char *reply,
+                           const char *prefix) {
+    if (out == nullptr || atTemplate == nullptr || reply == nullptr || prefix == nullptr) {
+        return nullptr;
+    }
+    return std::strstr(reply, prefix);
+}
+
 // The text behind the "))" that closes the first "((" of text, or null.
 const char *BehindFirstDoubleGroup(const char *text) {
     const char *open = std::strstr(text, "((");
@@ -132,10 +142,7 @@ int32_t ParseEonsAtStr(AtCmdParseNode **out, const char *atTemplate, char *reply
 
 int32_t ParseSysCfgAtStr(AtCmdParseNode **out, const char *atTemplate, char *reply,
                          const char *prefix) {
-    if (out == nullptr || atTemplate == nullptr || reply == nullptr || prefix == nullptr) {
-        return AT_PARSE_BAD_ARG;
-    }
-    const char *text = std::strstr(reply, prefix);
+    const char *text = GroupReplyText(out, atTemplate, reply, prefix);
     if (text == nullptr) return AT_PARSE_BAD_ARG;
 
     atapi::ParseRows rows;
@@ -164,10 +171,7 @@ int32_t ParseSysCfgAtStr(AtCmdParseNode **out, const char *atTemplate, char *rep
 
 int32_t ParseSysCfgExAtStr(AtCmdParseNode **out, const char *atTemplate, char *reply,
                            const char *prefix) {
-    if (out == nullptr || atTemplate == nullptr || reply == nullptr || prefix == nullptr) {
-        return AT_PARSE_BAD_ARG;
-    }
-    const char *text = std::strstr(reply, prefix);
+    const char *text = GroupReplyText(out, atTemplate, reply, prefix);
     if (text == nullptr) return AT_PARSE_BAD_ARG;
 
     atapi::ParseRows rows;
@@ -199,10 +203,7 @@ int32_t ParseSysCfgExAtStr(AtCmdParseNode **out, const char *atTemplate, char *r
 
 int32_t ParseLteProfileAtStr(AtCmdParseNode **out, const char *atTemplate, char *reply,
                              const char *prefix) {
-    if (out == nullptr || atTemplate == nullptr || reply == nullptr || prefix == nullptr) {
-        return AT_PARSE_BAD_ARG;
-    }
-    const char *text = std::strstr(reply, prefix);
+    const char *text = GroupReplyText(out, atTemplate, reply, prefix);
     if (text == nullptr) return AT_PARSE_BAD_ARG;
 
     atapi::ParseRows rows;

@@ -40,8 +40,7 @@ ATAPI_EXPORT void AtReadCmdFromMsgQueue(const char *cmd);
 /* ---- Abort request and readiness wait ------------------------------------ */
 
 /** Sends an abort (6) or clear (7, 8) request carrying cmd (or "AT"). */
-ATAPI_EXPORT int32_t AtAbortAndClearAllCommand(uint32_t reqType, const char *cmd,
-                                               uint32_t cmdLen);
+ATAPI_EXPORT int32_t AtAbortAndClearAllCommand(uint32_t reqType, const char *cmd, uint32_t cmdLen);
 /** 0 when atserver's ready flag exists, else -1. */
 ATAPI_EXPORT int32_t CheckAtServerReady(void);
 /** Waits (about 30 s at most) for the ready flag, then returns atserver's pid. */

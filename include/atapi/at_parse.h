@@ -69,8 +69,8 @@ ATAPI_EXPORT int32_t ParseSysCfgAtStr(AtCmdParseNode **out, const char *atTempla
                                       const char *prefix);
 ATAPI_EXPORT int32_t ParseSysCfgExAtStr(AtCmdParseNode **out, const char *atTemplate, char *reply,
                                         const char *prefix);
-ATAPI_EXPORT int32_t ParseLteProfileAtStr(AtCmdParseNode **out, const char *atTemplate,
-                                          char *reply, const char *prefix);
+ATAPI_EXPORT int32_t ParseLteProfileAtStr(AtCmdParseNode **out, const char *atTemplate, char *reply,
+                                          const char *prefix);
 ATAPI_EXPORT int32_t ParseCopsAtStr(AtCmdParseNode **out, const char *atTemplate, char *reply,
                                     const char *prefix);
 ATAPI_EXPORT int32_t ParseSmsMediaAtStr(AtCmdParseNode **out, const char *atTemplate, char *reply,

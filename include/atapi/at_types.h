@@ -44,15 +44,15 @@ ATAPI_BEGIN_DECLS
 #define AT_ERRID_UNMAPPED 65535
 
 typedef struct AtSrvSndMsg {
-    char atName[AT_NAME_LEN];        /* expected response prefix, may be empty */
-    char atCmdStr[AT_CMD_STR_LEN];   /* the complete command line */
+    char atName[AT_NAME_LEN];      /* expected response prefix, may be empty */
+    char atCmdStr[AT_CMD_STR_LEN]; /* the complete command line */
 } AtSrvSndMsg;
 
 typedef struct AtSrvRcvMsg {
-    char atName[AT_NAME_LEN];           /* echoed from the request */
+    char atName[AT_NAME_LEN];            /* echoed from the request */
     char atReportStr[AT_REPORT_STR_LEN]; /* reply text */
-    int32_t retVal;                     /* final result class */
-    int32_t atReportLen;                /* strlen of atReportStr */
+    int32_t retVal;                      /* final result class */
+    int32_t atReportLen;                 /* strlen of atReportStr */
 } AtSrvRcvMsg;
 
 typedef union AtSrvMsgBody {
@@ -61,8 +61,8 @@ typedef union AtSrvMsgBody {
 } AtSrvMsgBody;
 
 typedef struct AtSrvMsg {
-    int32_t mtype;      /* kernel thread id of the requester */
-    uint32_t reqType;   /* AT_REQ_* */
+    int32_t mtype;    /* kernel thread id of the requester */
+    uint32_t reqType; /* AT_REQ_* */
     uint32_t reserved1;
     uint32_t reserved2;
     uint32_t seq;       /* stamped by the exchange, echoed by the server */

@@ -24,7 +24,9 @@ void SetErrCode(int32_t *errCode, int32_t value) {
     if (errCode != nullptr) *errCode = value;
 }
 
-bool IsCauseError(int32_t retVal) { return retVal == AT_RET_CME_ERROR || retVal == AT_RET_CMS_ERROR; }
+bool IsCauseError(int32_t retVal) {
+    return retVal == AT_RET_CME_ERROR || retVal == AT_RET_CMS_ERROR;
+}
 
 int32_t ToTimeout(uint32_t timeoutSec) {
     return static_cast<int32_t>(std::min<uint32_t>(timeoutSec, INT32_MAX));

@@ -5,10 +5,10 @@
 #include <cstdint>
 
 extern "C" {
-extern int32_t g_atsLibTaskId;        // atserver's pid, -1 until resolved
-extern int32_t g_atsRecvMsgQueueId;   // requests queue (project id 2)
-extern int32_t g_atsSendMsgQueueId;   // replies queue (project id 1)
-extern uint32_t g_atsMsgSeq;          // next sequence number, starts at 1
+extern int32_t g_atsLibTaskId;       // atserver's pid, -1 until resolved
+extern int32_t g_atsRecvMsgQueueId;  // requests queue (project id 2)
+extern int32_t g_atsSendMsgQueueId;  // replies queue (project id 1)
+extern uint32_t g_atsMsgSeq;         // next sequence number, starts at 1
 }
 
 namespace atapi {

@@ -4,7 +4,8 @@
 
 #include "../platform/trace.h"
 
-#define AT_LOG(level, ...) UMO_TRACE_PrintInfo(kTraceSrc, __LINE__, 0, "atserver", (level), __VA_ARGS__)
+#define AT_LOG(level, ...) \
+    UMO_TRACE_PrintInfo(kTraceSrc, __LINE__, 0, "atserver", (level), __VA_ARGS__)
 #define AT_LOG_ERR(...) AT_LOG(TRACE_LEVEL_ERROR, __VA_ARGS__)
 #define AT_LOG_INFO(...) AT_LOG(TRACE_LEVEL_INFO, __VA_ARGS__)
 #define AT_LOG_DETAIL(...) AT_LOG(TRACE_LEVEL_DETAIL, __VA_ARGS__)

@@ -9,9 +9,9 @@
 namespace atapi {
 
 struct ClockOps {
-    void (*sleepUs)(uint32_t us);        // usleep
+    void (*sleepUs)(uint32_t us);         // usleep
     unsigned (*alarm)(unsigned seconds);  // alarm
-    int (*monotonic)(timespec *now);     // clock_gettime(CLOCK_MONOTONIC)
+    int (*monotonic)(timespec *now);      // clock_gettime(CLOCK_MONOTONIC)
 };
 
 // Installs replacement operations; null restores the real ones.

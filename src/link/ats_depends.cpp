@@ -81,18 +81,17 @@ int32_t ReadPid(const char *path) {
     return pid == 0 ? -1 : pid;
 }
 
-// sigwait on the given set; the event of the signal received, or -1 (logged).
-int32_t WaitForEvent(const sigset_t &set) {
-    int sig = 0;
-    const int err = sigwait(&set, &sig);
-    if (err != 0) {
-        AT_LOG_ERR("Error!, sigwait failed. errno = %d", err);
-        return -1;
-    }
-    const int32_t event = SignalToEvent(sig);
-    if (event == -1) AT_LOG_ERR("Error!, tmpEvent = -1");
-    return event;
-}
+void PrintToTrace(const char *format, int value) { AT_LOG_ERR(format, value); }
+
+constexpr EventMessages kTraceMessages{
+    "Error!pthread_sigmask fail, ret = %d",
+    "Error!in AtsEventThreadSend, para is invaild, event:%d",
+    "Error!in AtsEventThreadSend, sig = -1",
+    "Error!pthread_kill fail, ret = %d",
+    "Error!, sigwait failed. errno = %d",
+    "Error!, tmpEvent = -1",
+    PrintToTrace,
+};
 
 }  // namespace
 
@@ -110,6 +109,52 @@ int EventToSignal(uint32_t event) {
         }
     }
     return -1;
+}
+
+int32_t WaitForEvent(const sigset_t &set, const EventMessages &messages) {
+    int sig = 0;
+    const int err = sigwait(&set, &sig);
+    if (err != 0) {
+        messages.print(messages.sigwaitFailed, err);
+        return -1;
+    }
+    const int32_t event = SignalToEvent(sig);
+    if (event == -1) messages.print(messages.noEvent, sig);
+    return event;
+}
+
+int32_t ThreadEventInit(uint32_t mask, const EventMessages &messages) {
+    sigset_t set;
+    EventMaskToSignals(mask, &set);
+    const int ret = pthread_sigmask(SIG_BLOCK, &set, nullptr);
+    if (ret != 0) messages.print(messages.sigmaskFailed, ret);
+    return ret;
+}
+
+int32_t ThreadEventSend(pthread_t thread, uint32_t event, const EventMessages &messages) {
+    if (thread == pthread_t{} || event == kAllEvents) {
+        messages.print(messages.badArguments, static_cast<int>(event));
+        return -1;
+    }
+    const int sig = EventToSignal(event);
+    if (sig == -1) {
+        messages.print(messages.noSignal, sig);
+        return 0;  // deliberately the same as success
+    }
+    const int ret = pthread_kill(thread, sig);
+    if (ret != 0) messages.print(messages.killFailed, ret);
+    return ret;
+}
+
+int32_t ThreadEventRecv(uint32_t mask, uint32_t *event, const EventMessages &messages) {
+    if (event == nullptr) return 0;
+    sigset_t set;
+    EventMaskToSignals(mask, &set);
+    if (pthread_sigmask(SIG_BLOCK, &set, nullptr) != 0) return 0;
+    const int32_t got = WaitForEvent(set, messages);
+    if (got == -1) return 0;
+    *event = static_cast<uint32_t>(got);
+    return 1;
 }
 
 int32_t SignalToEvent(int signal) {
@@ -168,7 +213,7 @@ int32_t AtsEventRecv(uint32_t mask, int32_t seconds, uint32_t *event) {
     if (seconds >= 0) sigaddset(&set, SIGALRM);
     if (sigprocmask(SIG_BLOCK, &set, nullptr) != 0) return 0;
     if (seconds >= 0) atapi::Alarm(static_cast<unsigned>(seconds));
-    const int32_t got = atapi::WaitForEvent(set);
+    const int32_t got = atapi::WaitForEvent(set, atapi::kTraceMessages);
     if (seconds >= 0) atapi::Alarm(0);
     if (got == -1) return 0;
     *event = static_cast<uint32_t>(got);
@@ -192,38 +237,16 @@ int32_t AtsPostNotifyExt(uint32_t a, uint32_t b, uint32_t c, uint32_t d) {
 }
 
 int32_t AtsEventThreadInit(uint32_t mask) {
-    sigset_t set;
-    atapi::EventMaskToSignals(mask, &set);
-    const int ret = pthread_sigmask(SIG_BLOCK, &set, nullptr);
-    if (ret != 0) AT_LOG_ERR("Error!pthread_sigmask fail, ret = %d", ret);
-    return ret;
+    return atapi::ThreadEventInit(mask, atapi::kTraceMessages);
 }
 
 int32_t AtsEventThreadSend(pthread_t thread, uint32_t event) {
-    if (thread == pthread_t{} || event == atapi::kAllEvents) {
-        AT_LOG_ERR("Error!in AtsEventThreadSend, para is invaild, event:%d",
-                   static_cast<int>(event));
-        return -1;
-    }
-    const int sig = atapi::EventToSignal(event);
-    if (sig == -1) {
-        AT_LOG_ERR("Error!in AtsEventThreadSend, sig = -1");
-        return 0;
-    }
-    const int ret = pthread_kill(thread, sig);
-    if (ret != 0) AT_LOG_ERR("Error!pthread_kill fail, ret = %d", ret);
-    return ret;
+    return atapi::ThreadEventSend(thread, event, atapi::kTraceMessages);
 }
 
 int32_t AtsEventThreadRecv(uint32_t mask, uint32_t *event) {
-    if (mask == atapi::kAllEvents || event == nullptr) return 0;
-    sigset_t set;
-    atapi::EventMaskToSignals(mask, &set);
-    if (pthread_sigmask(SIG_BLOCK, &set, nullptr) != 0) return 0;
-    const int32_t got = atapi::WaitForEvent(set);
-    if (got == -1) return 0;
-    *event = static_cast<uint32_t>(got);
-    return 1;
+    if (mask == atapi::kAllEvents) return 0;
+    return atapi::ThreadEventRecv(mask, event, atapi::kTraceMessages);
 }
 
 }  // extern "C"

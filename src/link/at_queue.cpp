@@ -25,7 +25,7 @@ constexpr uint32_t kMaxMsgSize = 8192;
 constexpr uint32_t kMaxQueueBytes = 16384;
 constexpr int kCreateFlags = IPC_CREAT | IPC_EXCL | 0660;
 constexpr int kPollStepMs = 30;
-constexpr uint32_t kPollStepUs = 30000;
+constexpr uint32_t kPollStepUs = kPollStepMs * 1000;
 constexpr int kBlocking = -1;
 
 // The kernel's view of one message. Payloads larger than the biggest message

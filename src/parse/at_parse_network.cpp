@@ -37,11 +37,12 @@ const char *GroupReplyText(AtCmdParseNode **out, const char *atTemplate, const c
     return std::strstr(reply, prefix);
 }
 
-// The text behind the "))" that closes the first "((" of text, or null.
-const char *BehindFirstDoubleGroup(const char *text) {
+// The second "((" group of text: the first "((" behind the "))" that closes
+// the first one; null when there is none.
+const char *SecondDoubleGroup(const char *text) {
     const char *open = std::strstr(text, "((");
     const char *close = open != nullptr ? std::strstr(open, "))") : nullptr;
-    return close != nullptr ? close + 2 : nullptr;
+    return close != nullptr ? std::strstr(close + 2, "((") : nullptr;
 }
 
 // A "+COPS" test reply or template cut at its ",,": the operator groups
@@ -185,12 +186,9 @@ int32_t ParseSysCfgExAtStr(AtCmdParseNode **out, const char *atTemplate, char *r
     rows.Append(row);
 
     // The LTE band group is optional in the reply.
-    const char *replyBehind = BehindFirstDoubleGroup(text);
-    const char *replyLte = replyBehind != nullptr ? std::strstr(replyBehind, "((") : nullptr;
+    const char *replyLte = SecondDoubleGroup(text);
     if (replyLte != nullptr) {
-        const char *templateBehind = BehindFirstDoubleGroup(atTemplate);
-        const char *templateLte =
-            templateBehind != nullptr ? std::strstr(templateBehind, "((") : nullptr;
+        const char *templateLte = SecondDoubleGroup(atTemplate);
         if (templateLte == nullptr ||
             atapi::ParseDoubleGroupAtStr(templateLte, replyLte, "LTElist", &row) != 0) {
             return AT_PARSE_BAD_ARG;

@@ -58,19 +58,22 @@ int32_t AtCheckRspRetVal(const int32_t *retVal, int32_t *errCode) {
     }
 }
 
+// Fills msg and exchanges it with atserver: 0 when a reply arrived, else the
+// call's failure result (-1).
+int32_t Exchange(AtSrvMsg &msg, const char *cmd, const char *prefix, uint32_t multiRsp,
+                 uint32_t timeoutSec) {
+    if (AtInitCommonMsgHandler(&msg, cmd, prefix, multiRsp, ToTimeout(timeoutSec)) != 0) return -1;
+    const int32_t ret = GetDataFromAtServer(&msg);
+    if (ret != 0) AT_LOG_ERR("GetDataFromAtServer error, ret[%d]", ret);
+    return ret;
+}
+
 int32_t SendSimple(const char *cmd, const char *prefix, int32_t *errCode, uint32_t timeoutSec,
                    bool wipeRecord) {
     if (cmd == nullptr) return -1;
     AtSrvMsg msg;
-    int32_t ret = AtInitCommonMsgHandler(&msg, cmd, prefix, 0, ToTimeout(timeoutSec));
-    if (ret == 0) {
-        ret = GetDataFromAtServer(&msg);
-        if (ret != 0) {
-            AT_LOG_ERR("GetDataFromAtServer error, ret[%d]", ret);
-        } else {
-            ret = AtCheckRspRetVal(&msg.sndRcvMsg.rMsg.retVal, errCode);
-        }
-    }
+    int32_t ret = Exchange(msg, cmd, prefix, 0, timeoutSec);
+    if (ret == 0) ret = AtCheckRspRetVal(&msg.sndRcvMsg.rMsg.retVal, errCode);
     if (wipeRecord) Wipe(msg);
     return ret;
 }
@@ -128,12 +131,7 @@ int32_t AtSendAndGetSingleStrRspSpecialTimeout(const char *const desc[2], char *
                                                uint32_t timeoutSec) {
     if (desc == nullptr || desc[0] == nullptr || out == nullptr) return -1;
     AtSrvMsg msg;
-    if (AtInitCommonMsgHandler(&msg, desc[0], desc[1], 0, ToTimeout(timeoutSec)) != 0) return -1;
-    const int32_t ret = GetDataFromAtServer(&msg);
-    if (ret != 0) {
-        AT_LOG_ERR("GetDataFromAtServer error, ret[%d]", ret);
-        return ret;
-    }
+    if (const int32_t ret = Exchange(msg, desc[0], desc[1], 0, timeoutSec); ret != 0) return ret;
     char *report = ReportOf(msg);
     const int32_t retVal = msg.sndRcvMsg.rMsg.retVal;
     if (IsCauseError(retVal)) {
@@ -161,12 +159,7 @@ int32_t AtSendMultiCmd(const char *const desc[2], char *lines[], int32_t *count,
                        uint32_t timeoutSec) {
     if (desc == nullptr || lines == nullptr || count == nullptr || desc[0] == nullptr) return -1;
     AtSrvMsg msg;
-    if (AtInitCommonMsgHandler(&msg, desc[0], desc[1], 1, ToTimeout(timeoutSec)) != 0) return -1;
-    const int32_t ret = GetDataFromAtServer(&msg);
-    if (ret != 0) {
-        AT_LOG_ERR("GetDataFromAtServer error, ret[%d]", ret);
-        return ret;
-    }
+    if (const int32_t ret = Exchange(msg, desc[0], desc[1], 1, timeoutSec); ret != 0) return ret;
     const int32_t retVal = msg.sndRcvMsg.rMsg.retVal;
     if (retVal == AT_RET_OK) {
         GetSubstring(ReportOf(msg), lines, count, desc[1]);
@@ -223,14 +216,7 @@ int32_t AtNetworkSendMultiCmd(const AtCmdDesc *desc, AtCmdParseNode **out, int32
                               uint32_t timeoutSec) {
     if (desc == nullptr || out == nullptr) return -1;
     AtSrvMsg msg;
-    if (AtInitCommonMsgHandler(&msg, desc->cmd, desc->rspPrefix, 0, ToTimeout(timeoutSec)) != 0) {
-        return -1;
-    }
-    const int32_t ret = GetDataFromAtServer(&msg);
-    if (ret != 0) {
-        AT_LOG_ERR("GetDataFromAtServer error, ret[%d]", ret);
-        return -1;
-    }
+    if (Exchange(msg, desc->cmd, desc->rspPrefix, 0, timeoutSec) != 0) return -1;
     const int32_t retVal = msg.sndRcvMsg.rMsg.retVal;
     if (retVal == AT_RET_OK) {
         *out = nullptr;

@@ -7,5 +7,8 @@
 #include "at_send.h"
 #include "at_text.h"
 #include "at_types.h"
+#include "ats_ndis.h"
+#include "ats_security.h"
+#include "m2m_ats_call.h"
 
 #endif

@@ -8,6 +8,7 @@
 #include <climits>
 #include <cstring>
 
+#include "api/srv_msg_owner.h"
 #include "atapi/at_link.h"
 #include "atapi/at_parse.h"
 #include "atapi/at_send.h"
@@ -32,9 +33,7 @@ int32_t ToTimeout(uint32_t timeoutSec) {
     return static_cast<int32_t>(std::min<uint32_t>(timeoutSec, INT32_MAX));
 }
 
-char *ReportOf(AtSrvMsg &msg) { return msg.sndRcvMsg.rMsg.atReportStr; }
-
-void Wipe(AtSrvMsg &msg) { memset_s(&msg, sizeof msg, 0, sizeof msg); }
+using atapi::api::OwnedSrvMsg;
 
 // Result of the simple calls for a delivered reply; the error text is not
 // mapped here, unlike the other calls.
@@ -60,22 +59,23 @@ int32_t AtCheckRspRetVal(const int32_t *retVal, int32_t *errCode) {
 
 // Fills msg and exchanges it with atserver: 0 when a reply arrived, else the
 // call's failure result (-1).
-int32_t Exchange(AtSrvMsg &msg, const char *cmd, const char *prefix, uint32_t multiRsp,
+int32_t Exchange(OwnedSrvMsg &msg, const char *cmd, const char *prefix, uint32_t multiRsp,
                  uint32_t timeoutSec) {
-    if (AtInitCommonMsgHandler(&msg, cmd, prefix, multiRsp, ToTimeout(timeoutSec)) != 0) return -1;
-    const int32_t ret = GetDataFromAtServer(&msg);
+    if (AtInitCommonMsgHandler(msg.Get(), cmd, prefix, multiRsp, ToTimeout(timeoutSec)) != 0) {
+        return -1;
+    }
+    const int32_t ret = GetDataFromAtServer(msg.Get());
     if (ret != 0) AT_LOG_ERR("GetDataFromAtServer error, ret[%d]", ret);
     return ret;
 }
 
-int32_t SendSimple(const char *cmd, const char *prefix, int32_t *errCode, uint32_t timeoutSec,
-                   bool wipeRecord) {
+// The record is wiped on the way out, so the secure form needs nothing more.
+int32_t SendSimple(const char *cmd, const char *prefix, int32_t *errCode, uint32_t timeoutSec) {
     if (cmd == nullptr) return -1;
-    AtSrvMsg msg;
-    int32_t ret = Exchange(msg, cmd, prefix, 0, timeoutSec);
-    if (ret == 0) ret = AtCheckRspRetVal(&msg.sndRcvMsg.rMsg.retVal, errCode);
-    if (wipeRecord) Wipe(msg);
-    return ret;
+    OwnedSrvMsg msg;
+    const int32_t ret = Exchange(msg, cmd, prefix, 0, timeoutSec);
+    const int32_t retVal = msg.RetVal();
+    return ret == 0 ? AtCheckRspRetVal(&retVal, errCode) : ret;
 }
 
 // The answer of a single-string query: the text after the first ':' when a
@@ -93,7 +93,7 @@ extern "C" {
 int32_t AtInitCommonMsgHandler(AtSrvMsg *msg, const char *cmd, const char *prefix,
                                uint32_t multiRsp, int32_t timeoutSec) {
     if (msg == nullptr || cmd == nullptr) return -1;
-    Wipe(*msg);
+    memset_s(msg, sizeof *msg, 0, sizeof *msg);
     msg->mtype = atapi::CurrentTid();
     msg->reqType = AT_REQ_COMMAND;
     msg->reserved2 = 0;
@@ -111,12 +111,12 @@ int32_t AtSendSimpleCmd(const char *cmd, const char *prefix, int32_t *errCode) {
 
 int32_t AtSendSimpleCmdSpecialTimeout(const char *cmd, const char *prefix, int32_t *errCode,
                                       uint32_t timeoutSec) {
-    return SendSimple(cmd, prefix, errCode, timeoutSec, false);
+    return SendSimple(cmd, prefix, errCode, timeoutSec);
 }
 
 int32_t AtSendSimpleSecCmd(const char *cmd, const char *prefix, int32_t *errCode,
                            uint32_t timeoutSec) {
-    return SendSimple(cmd, prefix, errCode, timeoutSec, true);
+    return SendSimple(cmd, prefix, errCode, timeoutSec);
 }
 
 int32_t AtSendAndGetSingleStrRsp(const char *cmd, const char *prefix, char *out, int32_t outSize,
@@ -130,10 +130,10 @@ int32_t AtSendAndGetSingleStrRspSpecialTimeout(const char *const desc[2], char *
                                                int32_t outSize, int32_t *errCode,
                                                uint32_t timeoutSec) {
     if (desc == nullptr || desc[0] == nullptr || out == nullptr) return -1;
-    AtSrvMsg msg;
+    OwnedSrvMsg msg;
     if (const int32_t ret = Exchange(msg, desc[0], desc[1], 0, timeoutSec); ret != 0) return ret;
-    char *report = ReportOf(msg);
-    const int32_t retVal = msg.sndRcvMsg.rMsg.retVal;
+    char *report = msg.Report();
+    const int32_t retVal = msg.RetVal();
     if (IsCauseError(retVal)) {
         AT_LOG_ERR("cme or cms error, errCode[%d]", retVal);
         SetErrCode(errCode, ErrorStrToErrorId(report));
@@ -151,23 +151,22 @@ int32_t AtSendAndGetSingleStrRspSpecialTimeout(const char *const desc[2], char *
         const auto size = static_cast<size_t>(outSize);
         result = snprintf_s(out, size, size - 1, "%s", answer) < 0 ? -1 : 0;
     }
-    memset_s(report, AT_REPORT_STR_LEN, 0, AT_REPORT_STR_LEN);
     return result;
 }
 
 int32_t AtSendMultiCmd(const char *const desc[2], char *lines[], int32_t *count, int32_t *errCode,
                        uint32_t timeoutSec) {
     if (desc == nullptr || lines == nullptr || count == nullptr || desc[0] == nullptr) return -1;
-    AtSrvMsg msg;
+    OwnedSrvMsg msg;
     if (const int32_t ret = Exchange(msg, desc[0], desc[1], 1, timeoutSec); ret != 0) return ret;
-    const int32_t retVal = msg.sndRcvMsg.rMsg.retVal;
+    const int32_t retVal = msg.RetVal();
     if (retVal == AT_RET_OK) {
-        GetSubstring(ReportOf(msg), lines, count, desc[1]);
+        GetSubstring(msg.Report(), lines, count, desc[1]);
         SetErrCode(errCode, AT_ERRID_OK);
         return 0;
     }
     if (IsCauseError(retVal)) {
-        SetErrCode(errCode, ErrorStrToErrorId(ReportOf(msg)));
+        SetErrCode(errCode, ErrorStrToErrorId(msg.Report()));
         return retVal;
     }
     return -1;
@@ -186,48 +185,45 @@ int32_t AtSendAndGetListRspSpecialTimeout(const AtCmdDesc *desc, AtParamDesc *ro
         rowCount > kMaxRows) {
         return -1;
     }
-    AtSrvMsg msg;
-    if (AtInitCommonMsgHandler(&msg, desc->cmd, desc->rspPrefix, 0, ToTimeout(timeoutSec)) != 0) {
+    OwnedSrvMsg msg;
+    if (AtInitCommonMsgHandler(msg.Get(), desc->cmd, desc->rspPrefix, 0, ToTimeout(timeoutSec)) !=
+        0) {
         return -1;
     }
-    const int32_t ret = GetDataFromAtServer(&msg);
+    const int32_t ret = GetDataFromAtServer(msg.Get());
     AT_LOG_INFO("start get data from atserver, ret is %d", ret);
     if (ret != 0) {
         AT_LOG_ERR("GetDataFromAtServer ret[%d],msg.sndRcvMsg.rMsg.atReportStr[%s]", ret,
-                   ReportOf(msg));
+                   msg.Report());
         return -1;
     }
-    const int32_t retVal = msg.sndRcvMsg.rMsg.retVal;
-    int32_t result;
+    const int32_t retVal = msg.RetVal();
     if (retVal == AT_RET_OK) {
         SetErrCode(errCode, AT_ERRID_OK);
-        result = AtParseNodeFromBuf(desc, ReportOf(msg), rows, rowCount);
-    } else {
-        AT_LOG_ERR("GetDataFromAtServer failed, retval[%d], msg.sndRcvMsg.rMsg.atReportStr[%s]",
-                   retVal, ReportOf(msg));
-        SetErrCode(errCode, ErrorStrToErrorId(ReportOf(msg)));
-        result = retVal;
+        return AtParseNodeFromBuf(desc, msg.Report(), rows, rowCount);
     }
-    Wipe(msg);
-    return result;
+    AT_LOG_ERR("GetDataFromAtServer failed, retval[%d], msg.sndRcvMsg.rMsg.atReportStr[%s]", retVal,
+               msg.Report());
+    SetErrCode(errCode, ErrorStrToErrorId(msg.Report()));
+    return retVal;
 }
 
 int32_t AtNetworkSendMultiCmd(const AtCmdDesc *desc, AtCmdParseNode **out, int32_t *errCode,
                               uint32_t timeoutSec) {
     if (desc == nullptr || out == nullptr) return -1;
-    AtSrvMsg msg;
+    OwnedSrvMsg msg;
     if (Exchange(msg, desc->cmd, desc->rspPrefix, 0, timeoutSec) != 0) return -1;
-    const int32_t retVal = msg.sndRcvMsg.rMsg.retVal;
+    const int32_t retVal = msg.RetVal();
     if (retVal == AT_RET_OK) {
         *out = nullptr;
         const int32_t status =
-            ParseAtCmdFunc(out, desc->parsePrefix, ReportOf(msg), desc->moduleId, desc->parseMode);
+            ParseAtCmdFunc(out, desc->parsePrefix, msg.Report(), desc->moduleId, desc->parseMode);
         if (status != 0 || *out == nullptr) return -1;
         SetErrCode(errCode, AT_ERRID_OK);
         return 0;
     }
     if (IsCauseError(retVal)) {
-        SetErrCode(errCode, ErrorStrToErrorId(ReportOf(msg)));
+        SetErrCode(errCode, ErrorStrToErrorId(msg.Report()));
         return retVal;
     }
     if (retVal == AT_RET_ABORTED) {

@@ -92,20 +92,25 @@ int sprintf_s(char *dest, size_t destMax, const char *format, ...) {
     return n;
 }
 
-int snprintf_s(char *dest, size_t destMax, size_t count, const char *format, ...) {
+int vsnprintf_s(char *dest, size_t destMax, size_t count, const char *format, va_list ap) {
     if (BadDest(dest, destMax) || format == nullptr || count >= destMax) {
         if (!BadDest(dest, destMax)) dest[0] = '\0';
         return -1;
     }
-    va_list ap;
-    va_start(ap, format);
     const int n = std::vsnprintf(dest, count + 1, format, ap);
-    va_end(ap);
     if (n < 0) {
         dest[0] = '\0';
         return -1;
     }
     return static_cast<size_t>(n) > count ? -1 : n;
+}
+
+int snprintf_s(char *dest, size_t destMax, size_t count, const char *format, ...) {
+    va_list ap;
+    va_start(ap, format);
+    const int n = vsnprintf_s(dest, destMax, count, format, ap);
+    va_end(ap);
+    return n;
 }
 
 char *strtok_s(char *str, const char *delim, char **context) {

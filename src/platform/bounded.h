@@ -6,6 +6,7 @@
 #ifndef ATAPI_PLATFORM_BOUNDED_H
 #define ATAPI_PLATFORM_BOUNDED_H
 
+#include <stdarg.h>
 #include <stddef.h>
 
 #ifdef __cplusplus
@@ -32,6 +33,9 @@ int sprintf_s(char *dest, size_t destMax, const char *format, ...)
  * output is longer it is truncated to count characters and -1 is returned. */
 int snprintf_s(char *dest, size_t destMax, size_t count, const char *format, ...)
     __attribute__((format(printf, 4, 5)));
+/* snprintf_s with a va_list. */
+int vsnprintf_s(char *dest, size_t destMax, size_t count, const char *format, va_list ap)
+    __attribute__((format(printf, 4, 0)));
 /* Reentrant tokenizer (strtok_r semantics). */
 char *strtok_s(char *str, const char *delim, char **context);
 

@@ -11,9 +11,9 @@
 
 #include "atapi/at_parse.h"
 #include "atapi/at_send.h"
-#include "fake_at_server.h"
 #include "gtest/gtest.h"
 #include "isolated_runtime.h"
+#include "scripted_modem.h"
 
 namespace atapi::test {
 namespace {
@@ -24,13 +24,14 @@ constexpr char kCgdcontReply[] =
     "+CGDCONT: 1,\"IP\",\"internet\",\"10.0.0.2\",0,0\r\n"
     "+CGDCONT: 2,\"IPV4V6\",\"ims\",\"\",0,0";
 
-// A private runtime whose fake server gives every request the same reply.
+// A private runtime whose modem gives every request the same reply: these
+// tests are about the primitives, which send whatever line they are given.
 struct Served {
     explicit Served(int32_t retVal = AT_RET_OK, const std::string &text = "") {
-        server.SetReply({retVal, text});
+        server.AnswerAnyWith(Fails("", retVal, text));
     }
     IsolatedRuntime runtime;
-    FakeAtServer server{runtime};
+    ScriptedModem server{runtime};
 };
 
 enum Primitive { kSimple, kSecret, kSingle, kMulti, kList, kNetwork };

@@ -7,11 +7,11 @@
 #include <thread>
 #include <vector>
 
-#include "fake_at_server.h"
 #include "gtest/gtest.h"
 #include "isolated_runtime.h"
 #include "link_test_util.h"
 #include "notify.h"
+#include "scripted_modem.h"
 #include "trace_capture.h"
 
 namespace atapi::test {
@@ -48,8 +48,11 @@ TEST(Exchange, ReplyMatchingAndAbortOnFailure) {
     for (const Case &c : cases) {
         SCOPED_TRACE(c.name);
         IsolatedRuntime runtime;
-        FakeAtServer server(runtime);
-        server.SetReply({AT_RET_CME_ERROR, kReplyText, c.silent, c.seqOffset, c.wireLength});
+        Step reply = Fails(kCmd, AT_RET_CME_ERROR, kReplyText);
+        reply.noReply = c.silent;
+        reply.seqOffset = c.seqOffset;
+        reply.wireLength = c.wireLength;
+        ScriptedModem server(runtime, {reply});
         if (c.lateReplyQueued) {
             AtSrvMsg late = MakeRequest("AT+OLD", "+OLD");
             ASSERT_EQ(AtsMsgQueueExSend(server.SendQueueId(), &late, sizeof late, 0), 1);
@@ -84,7 +87,8 @@ TEST(Exchange, ThreadsGetTheirOwnReplies) {
     constexpr int kThreads = 16;
     constexpr int kPerThread = 10;
     IsolatedRuntime runtime;
-    FakeAtServer server(runtime);
+    ScriptedModem server(runtime);
+    server.AnswerAnyWith(Ok(""));
     std::vector<std::thread> threads;
     std::vector<int> failures(kThreads, 0);
     for (int t = 0; t < kThreads; ++t) {
@@ -107,12 +111,12 @@ TEST(Exchange, RestartedServerIsFound) {
     for (bool forget : {true, false}) {
         SCOPED_TRACE(forget ? "after AtMicResetAtsTaskId" : "through the send retry");
         IsolatedRuntime runtime;
-        auto first = std::make_unique<FakeAtServer>(runtime);
+        auto first = std::make_unique<ScriptedModem>(runtime, std::vector<Step>{Ok(kCmd)});
         AtSrvMsg msg = MakeRequest(kCmd, kPrefix);
         ASSERT_EQ(GetDataFromAtServer(&msg), 0);
         first.reset();
 
-        FakeAtServer second(runtime);
+        ScriptedModem second(runtime, {Ok(kCmd)});
         if (forget) AtMicResetAtsTaskId();
         TraceCapture trace;
         msg = MakeRequest(kCmd, kPrefix);
@@ -136,11 +140,12 @@ TEST(Exchange, OnlyQueriesAreLogged) {
         {"AT^CHIPTEMP?", nullptr, "CHIPTEMP"},
     };
     IsolatedRuntime runtime;
-    FakeAtServer server(runtime);
+    ScriptedModem server(runtime, {Ok("AT")});
     AtSrvMsg warmUp = MakeRequest("AT");
     ASSERT_EQ(GetDataFromAtServer(&warmUp), 0);
     for (const Case &c : cases) {
         SCOPED_TRACE(c.cmd);
+        server.Expect({Ok(c.cmd)});
         TraceCapture trace;
         AtSrvMsg msg = MakeRequest(c.cmd, "+X");
         ASSERT_EQ(GetDataFromAtServer(&msg), 0);
@@ -166,7 +171,7 @@ TEST(AbortRequest, ControlTypesCarryTheTextCutToItsLength) {
     for (const Case &c : cases) {
         SCOPED_TRACE(testing::Message() << c.reqType << " " << c.cmdLen);
         IsolatedRuntime runtime;
-        FakeAtServer server(runtime);
+        ScriptedModem server(runtime);
         AtSrvMsg waiting = MakeRequest("AT");
         ASSERT_EQ(AtsMsgQueueExSend(server.SendQueueId(), &waiting, sizeof waiting, 0), 1);
         EXPECT_EQ(AtAbortAndClearAllCommand(c.reqType, c.cmd, c.cmdLen), c.sent ? 0 : -1);

@@ -1,0 +1,33 @@
+#include "api/command.h"
+
+#include <algorithm>
+#include <climits>
+
+#include "atapi/at_link.h"
+
+namespace atapi::api {
+
+int32_t Command::Send(int32_t *errorId) const {
+    if (!formatted_) return -1;
+    if (spec_.secrecy == Secrecy::kSecret) {
+        return AtSendSimpleSecCmd(line_.Text(), spec_.rspPrefix, errorId, spec_.timeoutSec);
+    }
+    return AtSendSimpleCmdSpecialTimeout(line_.Text(), spec_.rspPrefix, errorId, spec_.timeoutSec);
+}
+
+int32_t Command::Exchange(OwnedSrvMsg &msg, uint32_t multiRsp) const {
+    if (!formatted_) return -1;
+    const auto timeout = static_cast<int32_t>(std::min<uint32_t>(spec_.timeoutSec, INT32_MAX));
+    if (AtInitCommonMsgHandler(msg.Get(), line_.Text(), spec_.rspPrefix, multiRsp, timeout) != 0) {
+        return -1;
+    }
+    return GetDataFromAtServer(msg.Get());
+}
+
+ParseRows ParseReply(const CommandSpec &spec, char *text, int32_t *status) {
+    AtCmdParseNode *first = nullptr;
+    *status = ParseAtCmdFunc(&first, spec.parsePrefix, text, spec.moduleId, spec.parseMode);
+    return ParseRows(first);
+}
+
+}  // namespace atapi::api

@@ -1,0 +1,108 @@
+// The command frame: a command function names its CommandSpec and field
+// list as constants and hands them, with its arguments, to a Command:
+//
+//   constexpr CommandSpec kLockQuery{"AT^CARDLOCK?", "^CARDLOCK", "^CARDLOCK",
+//                                    AT_PARSE_QUERY, module::kPin};
+//   constexpr auto kLockFields = FieldList(Field<&CardLockInfo::state>("state"),
+//                                          Field<&CardLockInfo::times>("times"));
+//   ...
+//   return Command(kLockQuery).Query(kLockFields, *info, &info->errorId);
+//
+// The line is formatted once, bounded, when the Command is made; a line that
+// does not fit leaves the Command false and every send refuses to go out.
+// A spec marked secret keeps its line in a buffer that is wiped on every
+// path and is sent through the secure primitive.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <type_traits>
+
+#include "api/command_line.h"
+#include "api/command_spec.h"
+#include "api/field_list.h"
+#include "api/reply_lines.h"
+#include "api/srv_msg_owner.h"
+#include "atapi/at_parse.h"
+#include "atapi/at_send.h"
+#include "parse/at_parse_rows.h"
+
+namespace atapi::api {
+
+namespace detail {
+template <typename T>
+concept LineArgument =
+    std::is_arithmetic_v<T> || std::is_same_v<T, const char *> || std::is_same_v<T, char *>;
+}
+
+class Command {
+  public:
+    // A spec without arguments is sent as written.
+    explicit Command(const CommandSpec &spec) : spec_(spec), line_(spec.secrecy) {
+        formatted_ = line_.Format("%s", spec.format);
+    }
+    template <detail::LineArgument... Args>
+    requires(sizeof...(Args) > 0) Command(const CommandSpec &spec, Args... args)
+        : spec_(spec), line_(spec.secrecy) {
+        formatted_ = line_.Format(spec.format, args...);
+    }
+
+    // Whether the line was built; false when it did not fit.
+    explicit operator bool() const { return formatted_; }
+    const char *Line() const { return line_.Text(); }
+    // Hands the line's buffer and capacity to edit(char *, size_t), for the
+    // exported helpers that extend a caller's command buffer; false (and the
+    // Command false) when edit fails.
+    template <typename Edit>
+    bool EditLine(Edit edit) {
+        formatted_ = formatted_ && edit(line_.Buffer(), CommandLine::kCapacity);
+        return formatted_;
+    }
+
+    // Without reply data: the simple primitive, or the secure one for a secret.
+    int32_t Send(int32_t *errorId) const;
+
+    // The first reply row into record, through the list primitive.
+    template <typename Record, size_t N>
+    int32_t Query(const Fields<Record, N> &fields, Record &record, int32_t *errorId) const {
+        if (!formatted_) return -1;
+        std::array<AtParamDesc, N> rows = Bind(fields, record);
+        const AtCmdDesc desc = spec_.Desc(line_.Text());
+        return AtSendAndGetListRspSpecialTimeout(&desc, rows.data(), N, errorId, spec_.timeoutSec);
+    }
+
+    // The reply cut into lines at each response prefix, through the
+    // multi-line primitive; lines holds them on success.
+    template <int32_t Capacity>
+    int32_t SendLines(ReplyLines<Capacity> &lines, int32_t *errorId) const {
+        if (!formatted_) return -1;
+        const char *const desc[2] = {line_.Text(), spec_.rspPrefix};
+        int32_t count = Capacity;
+        const int32_t ret = AtSendMultiCmd(desc, lines.Slots(), &count, errorId, spec_.timeoutSec);
+        if (ret == 0) lines.SetCount(count);
+        return ret;
+    }
+
+    // Fills msg with the line and exchanges it: 0 when a reply arrived (its
+    // class is msg.RetVal()), -1 when nothing could be sent or no reply came.
+    int32_t Exchange(OwnedSrvMsg &msg, uint32_t multiRsp = 0) const;
+
+  private:
+    CommandSpec spec_;
+    CommandLine line_;
+    bool formatted_ = false;
+};
+
+// The first row of text parsed as spec's reply into record.
+template <typename Record, size_t N>
+int32_t ParseFields(const CommandSpec &spec, char *text, const Fields<Record, N> &fields,
+                    Record &record) {
+    std::array<AtParamDesc, N> rows = Bind(fields, record);
+    const AtCmdDesc desc = spec.Desc(nullptr);
+    return AtParseNodeFromBuf(&desc, text, rows.data(), N);
+}
+
+// text parsed as spec's reply; *status gets the parser's code.
+ParseRows ParseReply(const CommandSpec &spec, char *text, int32_t *status);
+
+}  // namespace atapi::api

@@ -1,0 +1,169 @@
+// PIN and card lock. The query forms count an error reply whose id went
+// into errorId as a completed query; the set forms look at the stored error
+// id instead of the result. Both conventions are the interface's.
+#include "atapi/ats_security.h"
+
+#include <cstring>
+
+#include "api/command.h"
+#include "link/at_log.h"
+
+namespace {
+
+using namespace atapi::api;
+
+constexpr char kTraceSrc[] = "atapi/src/ats_security";
+
+constexpr uint32_t kOpQuery = 0;
+constexpr uint32_t kOpSet = 1;
+constexpr uint32_t kPinTimeoutSec = 5;  // every ^CPIN and +CLCK exchange
+
+constexpr CommandSpec kCpinQuery{
+    .format = "AT+CPIN?", .rspPrefix = "+CPIN", .parsePrefix = "+CPIN", .moduleId = module::kPin};
+constexpr CommandSpec kCpinEnter{
+    .format = "AT+CPIN=\"%s\"", .rspPrefix = "+CPIN", .secrecy = Secrecy::kSecret};
+constexpr CommandSpec kCpinReplace{
+    .format = "AT+CPIN=\"%s\",\"%s\"", .rspPrefix = "+CPIN", .secrecy = Secrecy::kSecret};
+constexpr auto kCpinFields = FieldList(Field<&CpinInfo::code>("code"));
+
+constexpr CommandSpec kCpinExQuery{.format = "AT^CPIN?",
+                                   .rspPrefix = "^CPIN",
+                                   .parsePrefix = "^CPIN",
+                                   .moduleId = module::kPin,
+                                   .timeoutSec = kPinTimeoutSec};
+constexpr CommandSpec kCpinExEnter{.format = "AT^CPIN=\"%s\"",
+                                   .rspPrefix = "^CPIN",
+                                   .timeoutSec = kPinTimeoutSec,
+                                   .secrecy = Secrecy::kSecret};
+constexpr CommandSpec kCpinExReplace{.format = "AT^CPIN=\"%s\",\"%s\"",
+                                     .rspPrefix = "^CPIN",
+                                     .timeoutSec = kPinTimeoutSec,
+                                     .secrecy = Secrecy::kSecret};
+constexpr auto kCpinExFields = FieldList(
+    Field<&CpinExInfo::code>("code"), Field<&CpinExInfo::times>("times"),
+    Field<&CpinExInfo::pukTimes>("puk_times"), Field<&CpinExInfo::pinTimes>("pin_times"),
+    Field<&CpinExInfo::puk2Times>("puk2_times"), Field<&CpinExInfo::pin2Times>("pin2_times"));
+
+constexpr CommandSpec kCardLockQuery{.format = "AT^CARDLOCK?",
+                                     .rspPrefix = "^CARDLOCK",
+                                     .parsePrefix = "^CARDLOCK",
+                                     .moduleId = module::kPin};
+constexpr CommandSpec kCardLockUnlock{
+    .format = "AT^CARDLOCK=\"%s\"", .rspPrefix = "^CARDLOCK", .secrecy = Secrecy::kSecret};
+constexpr auto kCardLockFields =
+    FieldList(Field<&CardLockInfo::state>("state"), Field<&CardLockInfo::times>("times"));
+
+constexpr CommandSpec kClckQuery{.format = "AT+CLCK=\"%s\",%s",
+                                 .rspPrefix = "+CLCK",
+                                 .parsePrefix = "+CLCK",
+                                 .parseMode = AT_PARSE_SET,
+                                 .moduleId = module::kPin,
+                                 .timeoutSec = kPinTimeoutSec};
+constexpr CommandSpec kClckSet{.format = "AT+CLCK=\"%s\",%s,\"%s\"",
+                               .rspPrefix = "+CLCK",
+                               .timeoutSec = kPinTimeoutSec,
+                               .secrecy = Secrecy::kSecret};
+constexpr auto kClckFields = FieldList(Field<&ClckResult::status>("status"));
+
+constexpr CommandSpec kCpwd{
+    .format = "AT+CPWD=\"%s\",\"%s\",\"%s\"", .rspPrefix = "+CPWD", .secrecy = Secrecy::kSecret};
+
+// Query forms: an error reply (3, 4) has stored its id and counts as done.
+int32_t QueryResult(int32_t ret) {
+    if (ret == 0 || ret == AT_RET_CME_ERROR || ret == AT_RET_CMS_ERROR) return 0;
+    AT_LOG_ERR("failed");
+    return -1;
+}
+
+// Set forms: done when sent, or when the stored error id is 3 or 4.
+int32_t SetResult(int32_t ret, int32_t errorId) {
+    if (ret == 0 || errorId == 3 || errorId == 4) return 0;
+    AT_LOG_ERR("failed");
+    return -1;
+}
+
+// Sends a set form that carries a secret; -1 without sending when the line
+// does not fit. The line is wiped whichever way this returns.
+int32_t SendSecret(const Command &cmd, int32_t *errorId) {
+    if (!cmd) {
+        AT_LOG_ERR("snprintf_s failed");
+        return -1;
+    }
+    return cmd.Send(errorId);
+}
+
+}  // namespace
+
+extern "C" {
+
+int32_t AtPinManagement(uint32_t op, const char *pin, const char *newPin, CpinInfo *r) {
+    if (op == kOpQuery) {
+        AT_LOG_INFO("enter");
+        if (r == nullptr) return -1;
+        const int32_t ret = Command(kCpinQuery).Query(kCpinFields, *r, &r->errorId);
+        AT_LOG_INFO("ret = [%d]", ret);
+        return QueryResult(ret);
+    }
+    if (op != kOpSet || pin == nullptr || r == nullptr) return -1;
+    const bool replace = newPin != nullptr && newPin[0] != '\0';
+    const int32_t ret = replace ? SendSecret(Command(kCpinReplace, pin, newPin), &r->errorId)
+                                : SendSecret(Command(kCpinEnter, pin), &r->errorId);
+    AT_LOG_INFO("ret = [%d], atExeResult= %d", ret, r->errorId);
+    return SetResult(ret, r->errorId);
+}
+
+int32_t AtPinManagementEx(uint32_t op, const char *pin, const char *newPin, CpinExInfo *r) {
+    if (op == kOpQuery) {
+        AT_LOG_INFO("enter");
+        if (r == nullptr) return -1;
+        const int32_t ret = Command(kCpinExQuery).Query(kCpinExFields, *r, &r->errorId);
+        AT_LOG_INFO("ret = %d", ret);
+        return QueryResult(ret);
+    }
+    if (op != kOpSet || pin == nullptr || r == nullptr) return -1;
+    const int32_t ret = newPin != nullptr
+                            ? SendSecret(Command(kCpinExReplace, pin, newPin), &r->errorId)
+                            : SendSecret(Command(kCpinExEnter, pin), &r->errorId);
+    AT_LOG_INFO("ret = %d, atExeResult = %d", ret, r->errorId);
+    return SetResult(ret, r->errorId);
+}
+
+int32_t AtSimLock(uint32_t op, const char *code, CardLockInfo *r) {
+    if (op == kOpQuery) {
+        AT_LOG_INFO("enter");
+        if (r == nullptr) return -1;
+        const int32_t ret = Command(kCardLockQuery).Query(kCardLockFields, *r, &r->errorId);
+        AT_LOG_INFO("ret = [%d]", ret);
+        return QueryResult(ret);
+    }
+    if (op != kOpSet || code == nullptr || r == nullptr) return -1;
+    const int32_t ret = SendSecret(Command(kCardLockUnlock, code), &r->errorId);
+    AT_LOG_INFO("ret = %d, atExeResult = %d", ret, r->errorId);
+    return SetResult(ret, r->errorId);
+}
+
+int32_t AtPinEnableDisableCmd(uint32_t op, ClckRequest *q, ClckResult *r) {
+    if (q == nullptr || r == nullptr) return -1;
+    AT_LOG_INFO("enter");
+    if (op != kOpSet) return -1;
+    if (std::strcmp(q->mode, "2") == 0) {
+        const int32_t ret =
+            Command(kClckQuery, q->fac, q->mode).Query(kClckFields, *r, &r->errorId);
+        AT_LOG_INFO("ret = [%d]", ret);
+        return QueryResult(ret);
+    }
+    if (std::strcmp(q->mode, "0") != 0 && std::strcmp(q->mode, "1") != 0) return -1;
+    if (q->passwd == nullptr) return -1;
+    const int32_t ret = SendSecret(Command(kClckSet, q->fac, q->mode, q->passwd), &r->errorId);
+    AT_LOG_INFO("ret = %d, atExeResult = %d", ret, r->errorId);
+    return SetResult(ret, r->errorId);
+}
+
+int32_t AtPinModify(const char *fac, const char *oldPwd, const char *newPwd, int32_t *errorId) {
+    if (fac == nullptr || oldPwd == nullptr || newPwd == nullptr || errorId == nullptr) return -1;
+    const int32_t ret = SendSecret(Command(kCpwd, fac, oldPwd, newPwd), errorId);
+    AT_LOG_INFO("ret = %d, atExeResult = %d", ret, *errorId);
+    return SetResult(ret, *errorId);
+}
+
+}  // extern "C"

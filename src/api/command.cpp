@@ -15,6 +15,12 @@ int32_t Command::Send(int32_t *errorId) const {
     return AtSendSimpleCmdSpecialTimeout(line_.Text(), spec_.rspPrefix, errorId, spec_.timeoutSec);
 }
 
+int32_t Command::QueryText(char *out, int32_t outSize, int32_t *errorId) const {
+    if (!formatted_) return -1;
+    const char *const desc[2] = {line_.Text(), spec_.rspPrefix};
+    return AtSendAndGetSingleStrRspSpecialTimeout(desc, out, outSize, errorId, spec_.timeoutSec);
+}
+
 int32_t Command::Exchange(OwnedSrvMsg &msg, uint32_t multiRsp) const {
     if (!formatted_) return -1;
     const auto timeout = static_cast<int32_t>(std::min<uint32_t>(spec_.timeoutSec, INT32_MAX));

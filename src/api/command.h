@@ -71,6 +71,14 @@ class Command {
         return AtSendAndGetListRspSpecialTimeout(&desc, rows.data(), N, errorId, spec_.timeoutSec);
     }
 
+    // The reply text after the response prefix's ':' (or the whole text when
+    // the spec has no prefix) into out, through the single-string primitive.
+    template <size_t N>
+    int32_t QueryText(char (&out)[N], int32_t *errorId) const {
+        return QueryText(out, static_cast<int32_t>(N), errorId);
+    }
+    int32_t QueryText(char *out, int32_t outSize, int32_t *errorId) const;
+
     // The reply cut into lines at each response prefix, through the
     // multi-line primitive; lines holds them on success.
     template <int32_t Capacity>
@@ -104,5 +112,17 @@ int32_t ParseFields(const CommandSpec &spec, char *text, const Fields<Record, N>
 
 // text parsed as spec's reply; *status gets the parser's code.
 ParseRows ParseReply(const CommandSpec &spec, char *text, int32_t *status);
+
+// Calls visit(name, value) for each field of row (the first node of a row,
+// nextField onwards) whose name and value are both set.
+template <typename Visit>
+void ForEachField(const AtCmdParseNode *row, Visit visit) {
+    for (const AtCmdParseNode *node = row; node != nullptr; node = node->nextField) {
+        if (node->atFieldName != nullptr && node->atFieldValue != nullptr) {
+            visit(static_cast<const char *>(node->atFieldName),
+                  static_cast<const char *>(node->atFieldValue));
+        }
+    }
+}
 
 }  // namespace atapi::api

@@ -1,5 +1,8 @@
 // atsim: a simulated modem on a pseudo-terminal, driven by a scenario file.
-//   atsim [--no-urc] [--urc-interval-ms N] [--verbose] [SCENARIO]
+//   atsim [--no-urc] [--urc-interval-ms N] [--verbose] [--fail PATTERN=RESULT]... [SCENARIO]
+// --fail answers the commands that match PATTERN with the final result RESULT
+// ("ERROR", "NO CARRIER", "+CME ERROR: 10", "+CMS ERROR: 310", ...) ahead of
+// every scenario rule, to try a client's error paths.
 // Prints the slave path as its first line of output, then serves until
 // SIGTERM/SIGINT, a hang-up rule, or the death of its parent.
 #include <sys/prctl.h>
@@ -12,6 +15,7 @@
 #include <random>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "event_loop.h"
 #include "modem.h"
@@ -21,10 +25,13 @@
 namespace {
 
 constexpr int kUsageOrScenarioError = 2;
-constexpr char kUsage[] = "usage: atsim [--no-urc] [--urc-interval-ms N] [--verbose] [SCENARIO]";
+constexpr char kUsage[] =
+    "usage: atsim [--no-urc] [--urc-interval-ms N] [--verbose] [--fail PATTERN=RESULT]... "
+    "[SCENARIO]";
 
 struct Arguments {
     std::string scenario = ATSIM_DEFAULT_SCENARIO;
+    std::vector<std::string> failRules;
     atsim::ModemOptions modem;
 };
 
@@ -36,6 +43,8 @@ bool ParseArguments(int argc, char **argv, Arguments *out) {
             out->modem.periodicUrcs = false;
         } else if (arg == "--verbose") {
             out->modem.verbose = true;
+        } else if (arg == "--fail" && i + 1 < argc) {
+            out->failRules.emplace_back(argv[++i]);
         } else if (arg == "--urc-interval-ms" && i + 1 < argc) {
             const std::string_view value = argv[++i];
             const auto [end, ec] = std::from_chars(value.data(), value.data() + value.size(),
@@ -69,6 +78,13 @@ int main(int argc, char **argv) {
     if (!atsim::LoadScenario(arguments.scenario, atsim::ReadWholeFile, &scenario, &error)) {
         std::cerr << "atsim: " << error << std::endl;
         return kUsageOrScenarioError;
+    }
+    // In reverse, so that the first --fail given is the first rule tried.
+    for (auto rule = arguments.failRules.rbegin(); rule != arguments.failRules.rend(); ++rule) {
+        if (!atsim::AddFailRule(*rule, &scenario, &error)) {
+            std::cerr << "atsim: " << error << std::endl;
+            return kUsageOrScenarioError;
+        }
     }
     if (!atsim::BlockTerminationSignals(&error)) {
         std::cerr << "atsim: " << error << std::endl;

@@ -386,4 +386,25 @@ bool LoadScenario(const std::string &path, const FileReader &reader, Scenario *o
     return true;
 }
 
+bool AddFailRule(const std::string &spec, Scenario *scenario, std::string *error) {
+    const auto equals = spec.rfind('=');
+    const std::string_view result = equals == std::string::npos
+                                        ? std::string_view{}
+                                        : Trim(std::string_view(spec).substr(equals + 1));
+    if (equals == 0 || !IsFinalResult(result)) {
+        *error = "--fail " + spec + ": expected PATTERN=RESULT with a final result";
+        return false;
+    }
+    Rule rule;
+    rule.where = {"--fail", 0};
+    rule.pattern = spec.substr(0, equals);
+    Step final;
+    final.kind = StepKind::kFinal;
+    final.text.pieces.push_back({Piece::Kind::kLiteral, std::string(result), 0, 0, 0});
+    final.where = rule.where;
+    rule.steps.push_back(std::move(final));
+    scenario->rules.insert(scenario->rules.begin(), std::move(rule));
+    return true;
+}
+
 }  // namespace atsim

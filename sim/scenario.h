@@ -88,4 +88,10 @@ bool ReadWholeFile(const std::string &path, std::string *content);
 bool LoadScenario(const std::string &path, const FileReader &reader, Scenario *out,
                   std::string *error);
 
+// Puts a rule "PATTERN=RESULT" in front of every rule of the scenario: the
+// commands that match PATTERN are answered with the final result RESULT
+// (e.g. "AT+CGDCONT?=+CME ERROR: 10"). False, with the reason in error,
+// when RESULT is not a final result.
+bool AddFailRule(const std::string &spec, Scenario *scenario, std::string *error);
+
 }  // namespace atsim

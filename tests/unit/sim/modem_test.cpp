@@ -129,6 +129,32 @@ std::string ReplyText(const std::string &wire) {
     return text.size() < 4 ? "" : text.substr(2, text.size() - 4);
 }
 
+// A fail rule answers ahead of the scenario and of the fail rules added before
+// it; a result
+// that is no final result is refused.
+TEST(FailRules, AnswerAheadOfTheScenario) {
+    Scenario scenario;
+    std::string error;
+    ASSERT_TRUE(LoadScenario(std::string(ATSIM_SCENARIO_DIR) + "/default.scn", ReadWholeFile,
+                             &scenario, &error));
+    for (const char *spec : {"AT+CGDCONT?=+CME ERROR: 10", "AT+C*=+CMS ERROR: 310"}) {
+        ASSERT_TRUE(AddFailRule(spec, &scenario, &error)) << error;
+    }
+    for (const char *spec : {"AT+CGMI=FINE", "=ERROR", "AT+CGMI"}) {
+        EXPECT_FALSE(AddFailRule(spec, &scenario, &error)) << spec;
+    }
+    ModemOptions options;
+    options.periodicUrcs = false;
+    Modem modem(scenario, std::move(options), 0);
+    const std::pair<const char *, const char *> cases[] = {
+        {"AT+CGDCONT?", "+CMS ERROR: 310"}, {"AT+CGMI", "+CMS ERROR: 310"}, {"AT", "OK"}};
+    for (const auto &[command, result] : cases) {
+        modem.Receive(std::string(command) + "\r", 0);
+        modem.Advance(0);
+        EXPECT_EQ(modem.TakeOutput(), Framed({result})) << command;
+    }
+}
+
 TEST(DefaultScenario, RepliesFillEveryTemplateField) {
     // clang-format off
     const ReplyCase cases[] = {

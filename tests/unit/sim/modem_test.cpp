@@ -129,9 +129,8 @@ std::string ReplyText(const std::string &wire) {
     return text.size() < 4 ? "" : text.substr(2, text.size() - 4);
 }
 
-// A fail rule answers ahead of the scenario and of the fail rules added before
-// it; a result
-// that is no final result is refused.
+// A fail rule answers ahead of the scenario and of the fail rules added
+// before it; a result that is no final result is refused.
 TEST(FailRules, AnswerAheadOfTheScenario) {
     Scenario scenario;
     std::string error;

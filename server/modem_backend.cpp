@@ -9,7 +9,8 @@ std::unique_ptr<ModemBackend> MakeBackend(const ServerOptions &options) {
         case BackendKind::kTcp:
             return MakeTcpBackend(options.tcpHost, options.tcpPort);
         case BackendKind::kSim:
-            return MakeSimBackend(options.atsimPath, options.simScenario, options.simArgs);
+            return MakeSimBackend(options.atsimPath, options.simScenario, options.simArgs,
+                                  options.atsimLauncher);
         case BackendKind::kNone:
             break;
     }

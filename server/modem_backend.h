@@ -25,7 +25,8 @@ std::unique_ptr<ModemBackend> MakeTtyBackend(const std::string &path, unsigned b
 std::unique_ptr<ModemBackend> MakeTcpBackend(const std::string &host, const std::string &port);
 std::unique_ptr<ModemBackend> MakeSimBackend(const std::string &atsimPath,
                                              const std::string &scenario,
-                                             const std::vector<std::string> &simArgs);
+                                             const std::vector<std::string> &simArgs,
+                                             const std::string &launcher);
 
 std::unique_ptr<ModemBackend> MakeBackend(const ServerOptions &options);
 

@@ -50,12 +50,16 @@ class ArgReader {
 
 const char *UsageText() {
     return "usage: atserver (--tty PATH [--baud N] | --tcp HOST:PORT | --sim [SCENARIO])\n"
-           "                [--atsim PATH] [--sim-arg ARG]... [--report FILE|-] [--log FILE]\n"
+           "                [--atsim PATH] [--atsim-launcher PROGRAM] [--sim-arg ARG]...\n"
+           "                [--report FILE|-] [--log FILE]\n"
            "                [--ready-timeout SECONDS] [-v]\n"
            "  --tty PATH         serial port of the modem (raw mode, --baud default 115200)\n"
            "  --tcp HOST:PORT    modem reached over TCP\n"
            "  --sim [SCENARIO]   start atsim with SCENARIO and use its pseudo-terminal\n"
            "  --atsim PATH       the atsim program (default: next to atserver)\n"
+           "  --atsim-launcher PROGRAM\n"
+           "                     run atsim as PROGRAM's argument (e.g. qemu-arm for an atsim\n"
+           "                     built for another processor)\n"
            "  --sim-arg ARG      pass ARG to atsim (repeatable, e.g. --sim-arg --no-urc)\n"
            "  --report FILE|-    also write unsolicited lines to FILE or stdout\n"
            "  --log FILE         log to FILE instead of stderr\n"
@@ -94,6 +98,8 @@ bool ParseOptions(int argc, char **argv, ServerOptions *out, std::string *error)
             ++backends;
         } else if (opt == "--atsim" && (value = args.Value()) != nullptr) {
             out->atsimPath = value;
+        } else if (opt == "--atsim-launcher" && (value = args.Value()) != nullptr) {
+            out->atsimLauncher = value;
         } else if (opt == "--sim-arg" && (value = args.Value()) != nullptr) {
             out->simArgs.emplace_back(value);
         } else if (opt == "--report" && (value = args.Value()) != nullptr) {

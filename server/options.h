@@ -17,6 +17,7 @@ struct ServerOptions {
     std::string simScenario;           // empty: atsim's default scenario
     std::string atsimPath;             // empty: found next to atserver or in the build tree
     std::vector<std::string> simArgs;  // passed on to atsim (--sim-arg)
+    std::string atsimLauncher;         // empty: atsim runs itself; else it runs under this program
     std::string logPath;               // empty: stderr
     std::string reportPath;            // empty: log only; "-": stdout
     unsigned readyTimeoutSec = 15;     // how long the modem may take to answer "AT"

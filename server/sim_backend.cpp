@@ -57,10 +57,12 @@ std::string DescribeStatus(int status) {
 
 class SimBackend : public ModemBackend {
   public:
-    SimBackend(std::string atsim, std::string scenario, std::vector<std::string> args)
+    SimBackend(std::string atsim, std::string scenario, std::vector<std::string> args,
+               std::string launcher)
         : atsim_(atsim.empty() ? DefaultAtsimPath() : std::move(atsim)),
           scenario_(std::move(scenario)),
-          args_(std::move(args)) {}
+          args_(std::move(args)),
+          launcher_(std::move(launcher)) {}
     ~SimBackend() override { Close(); }
 
     int Open() override {
@@ -97,6 +99,7 @@ class SimBackend : public ModemBackend {
             return false;
         }
         std::vector<std::string> words{atsim_};
+        if (!launcher_.empty()) words.insert(words.begin(), launcher_);
         words.insert(words.end(), args_.begin(), args_.end());
         if (!scenario_.empty()) words.push_back(scenario_);
         std::vector<char *> argv;
@@ -119,15 +122,14 @@ class SimBackend : public ModemBackend {
         posix_spawn_file_actions_init(&actions);
         posix_spawn_file_actions_adddup2(&actions, pipeFds[1], STDOUT_FILENO);
 
-        const int error =
-            posix_spawn(&child_, atsim_.c_str(), &actions, &attr, argv.data(), environ);
+        const int error = posix_spawnp(&child_, argv[0], &actions, &attr, argv.data(), environ);
         posix_spawn_file_actions_destroy(&actions);
         posix_spawnattr_destroy(&attr);
         close(pipeFds[1]);
         if (error != 0) {
             child_ = 0;
             close(pipeFds[0]);
-            Logf("cannot start %s: %s", atsim_.c_str(), std::strerror(error));
+            Logf("cannot start %s: %s", argv[0], std::strerror(error));
             return false;
         }
         output_ = pipeFds[0];
@@ -186,6 +188,7 @@ class SimBackend : public ModemBackend {
     std::string atsim_;
     std::string scenario_;
     std::vector<std::string> args_;
+    std::string launcher_;
     pid_t child_ = 0;
     int output_ = -1;  // atsim's stdout, kept open so that it never writes into a closed pipe
     std::unique_ptr<ModemBackend> port_;
@@ -195,8 +198,9 @@ class SimBackend : public ModemBackend {
 
 std::unique_ptr<ModemBackend> MakeSimBackend(const std::string &atsimPath,
                                              const std::string &scenario,
-                                             const std::vector<std::string> &simArgs) {
-    return std::make_unique<SimBackend>(atsimPath, scenario, simArgs);
+                                             const std::vector<std::string> &simArgs,
+                                             const std::string &launcher) {
+    return std::make_unique<SimBackend>(atsimPath, scenario, simArgs, launcher);
 }
 
 }  // namespace atserver

@@ -41,6 +41,7 @@ void CommandScheduler::OnModemUp(int64_t nowMs, int64_t probeWindowMs) {
     state_ = ModemState::kProbing;
     probeDeadlineMs_ = nowMs + probeWindowMs;
     nextProbeMs_ = nowMs;
+    probesUnanswered_ = 0;
     reportLinesToFollow_ = 0;
     OnTick(nowMs);
 }
@@ -161,13 +162,20 @@ void CommandScheduler::OnLine(const std::string &line, int64_t nowMs) {
 void CommandScheduler::OnProbeLine(const std::string &line, int64_t nowMs) {
     if (line == kProbeCommand) return;  // echo
     const std::optional<int32_t> result = ClassifyFinalResult(line);
-    if (result == AT_RET_OK) {
-        Logf("modem answers");
-        state_ = ModemState::kReady;
-        StartNext(nowMs);
-    } else if (!result) {
+    if (!result) {
         Unsolicited(line, {}, {});
+        return;
     }
+    if (probesUnanswered_ > 0) --probesUnanswered_;
+    if (*result != AT_RET_OK) return;
+    Logf("modem answers");
+    state_ = ModemState::kReady;
+    // A modem that was slow to answer may still answer the probes it took
+    // meanwhile, back to back; their results must not end the first command.
+    if (probesUnanswered_ > 0) {
+        draining_ = Draining{kProbeCommand, nowMs + kProbeIntervalMs, probesUnanswered_};
+    }
+    StartNext(nowMs);
 }
 
 void CommandScheduler::OnCommandLine(const std::string &line, int64_t nowMs) {
@@ -188,15 +196,15 @@ void CommandScheduler::OnCommandLine(const std::string &line, int64_t nowMs) {
 
 void CommandScheduler::OnDrainLine(const std::string &line) {
     if (const std::optional<int32_t> result = ClassifyFinalResult(line)) {
-        Logf("late result \"%s\" of the aborted \"%s\" discarded", line.c_str(),
+        Logf("late result \"%s\" of \"%s\" discarded", line.c_str(),
              LoggableCommand(draining_->cmd).c_str());
-        draining_.reset();
+        if (--draining_->results == 0) draining_.reset();
         return;
     }
     if (urc_.Check(line, {}, draining_->cmd).unsolicited) {
         Unsolicited(line, {}, draining_->cmd);
     } else if (LogVerbose()) {
-        Logf("late line of the aborted \"%s\" discarded", LoggableCommand(draining_->cmd).c_str());
+        Logf("late line of \"%s\" discarded", LoggableCommand(draining_->cmd).c_str());
     }
 }
 
@@ -237,6 +245,7 @@ CommandScheduler::TickResult CommandScheduler::OnTick(int64_t nowMs) {
         if (nowMs >= probeDeadlineMs_) return TickResult::kProbeFailed;
         if (nowMs >= nextProbeMs_) {
             io_.WriteToModem(std::string(kProbeCommand) + "\r");
+            ++probesUnanswered_;
             nextProbeMs_ = nowMs + kProbeIntervalMs;
         }
     }
@@ -244,8 +253,7 @@ CommandScheduler::TickResult CommandScheduler::OnTick(int64_t nowMs) {
         AbortRunning("by the guard timer (no final result and no abort request)", nowMs);
     }
     if (draining_ && nowMs >= draining_->untilMs) {
-        Logf("the aborted \"%s\" gave no final result; going on",
-             LoggableCommand(draining_->cmd).c_str());
+        Logf("\"%s\" gave no final result; going on", LoggableCommand(draining_->cmd).c_str());
         draining_.reset();
     }
     StartNext(nowMs);

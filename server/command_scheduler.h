@@ -1,8 +1,9 @@
 // Serves requests on the modem one at a time, in arrival order, and keeps
 // the conversation with the modem in step: the running command collects its
 // lines until a final result; an aborted command's late lines are discarded
-// until its final result (or a bounded wait); a silent modem is cut short by
-// a guard timer; a lost port answers everything with ERROR.
+// until its final result (or a bounded wait), and so are the answers to the
+// surplus probes of a modem that was slow to answer "AT"; a silent modem is
+// cut short by a guard timer; a lost port answers everything with ERROR.
 #pragma once
 
 #include <cstdint>
@@ -58,9 +59,12 @@ class CommandScheduler {
         int64_t guardMs;
     };
 
+    // Lines of commands whose replies nobody waits for any more: an aborted
+    // command, or probes the modem took while it was slow to answer.
     struct Draining {
         std::string cmd;
         int64_t untilMs;
+        size_t results = 1;  // final results still to come
     };
 
     void HandleControl(const AtSrvMsg &msg, int64_t nowMs);
@@ -82,6 +86,7 @@ class CommandScheduler {
     ModemState state_ = ModemState::kDown;
     int64_t probeDeadlineMs_ = 0;
     int64_t nextProbeMs_ = 0;
+    size_t probesUnanswered_ = 0;
     std::deque<AtSrvMsg> pending_;
     std::optional<Running> running_;
     std::optional<Draining> draining_;

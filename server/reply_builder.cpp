@@ -1,6 +1,6 @@
 #include "reply_builder.h"
 
-#include "bounded.h"
+#include "platform/bounded.h"
 
 namespace atserver {
 namespace {

@@ -7,8 +7,8 @@
 #include <cstring>
 
 #include "atapi/at_link.h"
-#include "bounded.h"
 #include "link/ats_paths.h"
+#include "platform/bounded.h"
 #include "runtime_files.h"
 #include "server_log.h"
 

@@ -7,7 +7,7 @@
 #include <cstdio>
 #include <ctime>
 
-#include "trace.h"
+#include "platform/trace.h"
 
 namespace atserver {
 namespace {

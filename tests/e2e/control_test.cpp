@@ -1,5 +1,5 @@
 // Control requests straight on the request queue: clearing queued requests
-// (types 7 and 8) and atserver's own guard when no abort ever comes.
+// (types 7 and 8).
 #include <cstring>
 #include <initializer_list>
 #include <string>
@@ -41,37 +41,22 @@ std::string ReplyTextTo(int32_t mtype, int32_t *retVal = nullptr) {
     return reply.sndRcvMsg.rMsg.atReportStr;
 }
 
-TEST_F(E2eTest, Clear_QueuedRequestsOfOneRequesterOrOfAllAreAnsweredError) {
-    const int32_t busy = ForeignMtype(10), cleared = ForeignMtype(11), kept = ForeignMtype(12);
+// Both clear types take effect in their place among the commands around them.
+TEST_F(E2eTest, Clear_QueuedRequestsAreAnsweredErrorInArrivalOrder) {
+    const int32_t busy = ForeignMtype(10), own = ForeignMtype(11), other = ForeignMtype(12),
+                  later = ForeignMtype(13);
     // The slow command runs while the others wait in the server's queue.
-    Inject(server_->Pid(), {Request(busy, AT_REQ_COMMAND, "AT+SLOW=600"),
-                            Request(cleared, AT_REQ_COMMAND, "AT+ECHOCMD=11,1"),
-                            Request(kept, AT_REQ_COMMAND, "AT+ECHOCMD=12,1"),
-                            Request(cleared, AT_REQ_CLEAR, "AT")});
+    Inject(server_->Pid(),
+           {Request(busy, AT_REQ_COMMAND, "AT+SLOW=600"),
+            Request(own, AT_REQ_COMMAND, "AT+ECHOCMD=11"), Request(own, AT_REQ_CLEAR, "AT"),
+            Request(other, AT_REQ_COMMAND, "AT+ECHOCMD=12"), Request(later, AT_REQ_CLEAR_ALL, "AT"),
+            Request(later, AT_REQ_COMMAND, "AT+ECHOCMD=13")});
     int32_t retVal = 0;
-    EXPECT_EQ(ReplyTextTo(cleared, &retVal), "ERROR");
+    EXPECT_EQ(ReplyTextTo(own, &retVal), "ERROR");
     EXPECT_EQ(retVal, AT_RET_ERROR);
+    EXPECT_EQ(ReplyTextTo(other), "ERROR");
     EXPECT_EQ(ReplyTextTo(busy), "");
-    EXPECT_EQ(ReplyTextTo(kept), "+ECHOCMD: AT+ECHOCMD=12,1");
-
-    Inject(server_->Pid(), {Request(busy, AT_REQ_COMMAND, "AT+SLOW=600"),
-                            Request(cleared, AT_REQ_COMMAND, "AT+ECHOCMD=11,2"),
-                            Request(kept, AT_REQ_COMMAND, "AT+ECHOCMD=12,2"),
-                            Request(busy, AT_REQ_CLEAR_ALL, "AT")});
-    EXPECT_EQ(ReplyTextTo(cleared), "ERROR");
-    EXPECT_EQ(ReplyTextTo(kept), "ERROR");
-    EXPECT_EQ(ReplyTextTo(busy), "");
-}
-
-// A requester that never sends its abort still gets an answer: the server
-// does not stay wedged on a silent modem.
-TEST_F(E2eTest, Abort_GuardAnswersAbortedWhenNoAbortComes) {
-    const int32_t requester = ForeignMtype(1);
-    Inject(server_->Pid(), {Request(requester, AT_REQ_COMMAND, "AT+SILENT")});
-    int32_t retVal = 0;
-    EXPECT_EQ(ReplyTextTo(requester, &retVal), "AT_ABORTED");
-    EXPECT_EQ(retVal, AT_RET_ABORTED);
-    EXPECT_EQ(Send("AT+CGMI").text, kManufacturer);
+    EXPECT_EQ(ReplyTextTo(later), "+ECHOCMD: AT+ECHOCMD=13");
 }
 
 }  // namespace

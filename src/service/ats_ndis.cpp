@@ -1,20 +1,45 @@
-// Data connection: PDP context definitions and connection state.
+// Data connection: dial-up, PDP context definitions and their authentication
+// data, and the data channel of a context.
 #include "atapi/ats_ndis.h"
 
 #include <cstring>
 
 #include "api/command.h"
-#include "atapi/at_text.h"
 #include "link/at_log.h"
 #include "platform/bounded.h"
-#include "platform/osa.h"
 
 namespace {
 
 using namespace atapi::api;
-using atapi::ParseRows;
 
 constexpr char kTraceSrc[] = "atapi/src/ats_ndis";
+
+// Lines that carry a password wait 30 s, as every secret line does.
+constexpr uint32_t kSecretTimeoutSec = 30;
+
+// Dial-up. Without a profile only the cid and the connect flag go out; with
+// one, the APN parameter stays empty (not "") unless the profile's APN is
+// static, and a static IP address is the last parameter.
+constexpr CommandSpec kNdisDupBare{.format = "AT^NDISDUP=%d,%d",
+                                   .rspPrefix = "^NDISDUP",
+                                   .timeoutSec = kSecretTimeoutSec,
+                                   .secrecy = Secrecy::kSecret};
+constexpr CommandSpec kNdisDupApnIp{.format = "AT^NDISDUP=%d,%d,\"%s\",\"%s\",\"%s\",%c,\"%s\"",
+                                    .rspPrefix = "^NDISDUP",
+                                    .timeoutSec = kSecretTimeoutSec,
+                                    .secrecy = Secrecy::kSecret};
+constexpr CommandSpec kNdisDupApn{.format = "AT^NDISDUP=%d,%d,\"%s\",\"%s\",\"%s\",%c",
+                                  .rspPrefix = "^NDISDUP",
+                                  .timeoutSec = kSecretTimeoutSec,
+                                  .secrecy = Secrecy::kSecret};
+constexpr CommandSpec kNdisDupNoApn{.format = "AT^NDISDUP=%d,%d,,\"%s\",\"%s\",%c",
+                                    .rspPrefix = "^NDISDUP",
+                                    .timeoutSec = kSecretTimeoutSec,
+                                    .secrecy = Secrecy::kSecret};
+constexpr CommandSpec kNdisDupIp{.format = "AT^NDISDUP=%d,%d,,\"%s\",\"%s\",%c,\"%s\"",
+                                 .rspPrefix = "^NDISDUP",
+                                 .timeoutSec = kSecretTimeoutSec,
+                                 .secrecy = Secrecy::kSecret};
 
 constexpr CommandSpec kCgdcontSet{.format = "AT+CGDCONT=%d,\"%s\",\"%s\"", .rspPrefix = "+CGDCONT"};
 // After the APN: an empty quoted PDP address and thirteen empty parameters,
@@ -29,49 +54,109 @@ constexpr auto kCgdcontFields =
     FieldList(Field<&PdpContextInfo::cid>("cid"), Field<&PdpContextInfo::pdpType>("PDP_type"),
               Field<&PdpContextInfo::apn>("APN"));
 
-constexpr uint32_t kStateTimeoutSec = 5;
-constexpr CommandSpec kApconnstQuery{.format = "AT^APCONNST?",
-                                     .rspPrefix = "^APCONNST",
-                                     .parsePrefix = "^APCONNST",
-                                     .moduleId = module::kConnStat,
-                                     .timeoutSec = kStateTimeoutSec};
-constexpr CommandSpec kApconnstSet{.format = "AT^APCONNST=%d",
-                                   .rspPrefix = "^APCONNST",
-                                   .parsePrefix = "^APCONNST",
-                                   .moduleId = module::kConnStat,
-                                   .timeoutSec = kStateTimeoutSec};
+constexpr CommandSpec kAuthDataSet{.format = "AT^AUTHDATA=%d,%d,\"%s\",\"%s\",\"%s\"",
+                                   .rspPrefix = "^AUTHDATA",
+                                   .timeoutSec = kSecretTimeoutSec,
+                                   .secrecy = Secrecy::kSecret};
+constexpr CommandSpec kAuthDataQuery{.format = "AT^AUTHDATA?",
+                                     .rspPrefix = "^AUTHDATA",
+                                     .parsePrefix = "^AUTHDATA",
+                                     .moduleId = module::kAuthData};
+constexpr auto kAuthDataFields =
+    FieldList(Field<&AuthDataInfo::cid>("cid"), Field<&AuthDataInfo::authType>("Auth_type"),
+              Field<&AuthDataInfo::plmn>("PLMN"), Field<&AuthDataInfo::passwd>("passwd"),
+              Field<&AuthDataInfo::username>("username"));
 
-bool Named(const AtCmdParseNode *node, const char *name) {
-    return SafeStrCmp(node->atFieldName, name) == 0;
+constexpr CommandSpec kChDataBind{.format = "AT^CHDATA=%d,%d", .rspPrefix = "^CHDATA"};
+constexpr CommandSpec kChDataDefault{.format = "AT^CHDATA=%d", .rspPrefix = "^CHDATA"};
+
+// What the by-cid readers log, as each has always logged it.
+struct ByCidLog {
+    const char *countName;    // "<countName>[<count>]"
+    const char *parseFailed;  // a line that could not be read
+    const char *found;
+};
+constexpr ByCidLog kCgdcontByCidLog{"pdpNum", "AtCgactParseResult failed",
+                                    "get cid cgdcont SUCCESS"};
+constexpr ByCidLog kAuthDataByCidLog{"dataNum", "AtGetAuthDataParseResult failed",
+                                     "get cid AuthData SUCCESS"};
+
+// Reads every line of the query's reply into record, cleared before each
+// line, until one carries the wanted cid: 0 then, else -1 with the record
+// holding the last line read.
+template <int32_t Capacity, typename Record, size_t N>
+int32_t ReadByCid(const CommandSpec &query, const Fields<Record, N> &fields, Record &record,
+                  uint32_t cid, const ByCidLog &log) {
+    ReplyLines<Capacity> lines;
+    if (Command(query).SendLines(lines, nullptr) != 0) return -1;
+    if (lines.Count() == 0 || lines.Count() > lines.kCapacity) {
+        AT_LOG_ERR("failed");
+        return -1;
+    }
+    for (int32_t i = 0; i < lines.Count(); ++i) {
+        memset_s(&record, sizeof record, 0, sizeof record);
+        const bool parsed =
+            lines[i] != nullptr && ParseFields(query, lines[i], fields, record) == 0;
+        if (!parsed) {
+            if (lines[i] != nullptr) AT_LOG_ERR("failed");
+            AT_LOG_ERR("%s", log.parseFailed);
+            AT_LOG_ERR("failed");
+            return -1;
+        }
+        if (record.cid == cid) {
+            AT_LOG_INFO("%s", log.found);
+            AT_LOG_INFO("%s[%d]", log.countName, lines.Count());
+            return 0;
+        }
+    }
+    AT_LOG_ERR("%s[%d]", log.countName, lines.Count());
+    return -1;
 }
 
-// Per-family connection states: each "status" value applies to the family
-// named by the field behind it; the first one also stands for IPv4.
-int32_t ReadPppState(const AtCmdParseNode *row, PppStateInfo &s) {
-    uint32_t current = 0;
-    bool seen = false;
-    for (const AtCmdParseNode *node = row; node != nullptr; node = node->nextField) {
-        if (Named(node, "status")) {
-            if (CheckValidNum(node->atFieldValue, 0, 2) != 0) {
-                AT_LOG_ERR("check state error");
-                return -1;
-            }
-            current = static_cast<uint32_t>(SafeStrAtoi(node->atFieldValue));
-            if (!seen) s.ipv4Status = current;
-            seen = true;
-            AT_LOG_INFO("state = %d, firstStatus = %u", static_cast<int32_t>(current),
-                        s.ipv4Status);
-        }
-        if (Named(node, "IPV4")) s.ipv4Status = current;
-        if (Named(node, "IPV6")) s.ipv6Status = current;
-        if (Named(node, "Ethernet")) s.etherStatus = current;
+// Sends a line that carries a secret; -1 without sending when it did not
+// fit. The line is wiped whichever way this returns.
+int32_t SendSecret(const Command &cmd, int32_t *errorId) {
+    if (!cmd) {
+        AT_LOG_ERR("snprintf_s failed");
+        return -1;
     }
-    return 0;
+    return cmd.Send(errorId);
+}
+
+int32_t DialUp(int32_t cid, int32_t connect, NdisDupProfile &p) {
+    const bool apn = p.apnIsStatic == 1;
+    const bool ip = p.ipIsStatic == 1;
+    if (apn && ip) {
+        return SendSecret(
+            Command(kNdisDupApnIp, cid, connect, p.apn, p.username, p.passwd, p.authType, p.ipAddr),
+            &p.errorId);
+    }
+    if (apn) {
+        return SendSecret(
+            Command(kNdisDupApn, cid, connect, p.apn, p.username, p.passwd, p.authType),
+            &p.errorId);
+    }
+    if (ip) {
+        return SendSecret(
+            Command(kNdisDupIp, cid, connect, p.username, p.passwd, p.authType, p.ipAddr),
+            &p.errorId);
+    }
+    return SendSecret(Command(kNdisDupNoApn, cid, connect, p.username, p.passwd, p.authType),
+                      &p.errorId);
 }
 
 }  // namespace
 
 extern "C" {
+
+int32_t AtNdisDup(int32_t cid, int32_t connect, NdisDupProfile *p) {
+    if (p == nullptr) {
+        AT_LOG_INFO("profile is NULL");
+        return SendSecret(Command(kNdisDupBare, cid, connect), nullptr);
+    }
+    AT_LOG_INFO("apnIsStatic:[%u], ipIsStatic:[%u]", p->apnIsStatic, p->ipIsStatic);
+    return DialUp(cid, connect, *p);
+}
 
 int32_t AtCgdContAddSingleNssai(PdpContextInfo *c, char *cmd, int32_t size) {
     if (c == nullptr || cmd == nullptr || size <= 0) return -1;
@@ -111,51 +196,41 @@ int32_t AtGetCgdCont(PdpContextInfo *c) {
 int32_t AtGetCgdContByCid(PdpContextInfo *c, uint32_t cid) {
     AT_LOG_INFO("in");
     if (c == nullptr) return -1;
-    ReplyLines<8> lines;
-    if (Command(kCgdcontQuery).SendLines(lines, nullptr) != 0) return -1;
-    if (lines.Count() == 0 || lines.Count() > lines.kCapacity) {
-        AT_LOG_ERR("failed");
-        return -1;
-    }
-    for (int32_t i = 0; i < lines.Count(); ++i) {
-        memset_s(c, sizeof *c, 0, sizeof *c);
-        const bool parsed =
-            lines[i] != nullptr && ParseFields(kCgdcontQuery, lines[i], kCgdcontFields, *c) == 0;
-        if (!parsed) {
-            if (lines[i] != nullptr) AT_LOG_ERR("failed");
-            AT_LOG_ERR("AtCgactParseResult failed");
-            AT_LOG_ERR("failed");
-            return -1;
-        }
-        if (c->cid == cid) {
-            AT_LOG_INFO("get cid cgdcont SUCCESS");
-            AT_LOG_INFO("pdpNum[%d]", lines.Count());
-            return 0;
-        }
-    }
-    AT_LOG_ERR("pdpNum[%d]", lines.Count());
-    return -1;
+    return ReadByCid<8>(kCgdcontQuery, kCgdcontFields, *c, cid, kCgdcontByCidLog);
 }
 
-int32_t AtPppState(uint32_t cid, PppStateInfo *s) {
-    if (s == nullptr) return -1;
-    AT_LOG_INFO("enter");
-    const Command cmd =
-        cid == 0 ? Command(kApconnstQuery) : Command(kApconnstSet, static_cast<int32_t>(cid));
-    OwnedSrvMsg msg;
-    if (const int32_t ret = cmd.Exchange(msg); ret != 0) return ret;
-    if (msg.RetVal() == AT_RET_CME_ERROR || msg.RetVal() == AT_RET_CMS_ERROR) {
-        s->errorId = ErrorStrToErrorId(msg.Report());
-        return 0;
+int32_t AtAuthDataHandler(AuthDataInfo *a) {
+    if (a == nullptr) {
+        AT_LOG_ERR("authData is NULL");
+        return -1;
     }
-    if (msg.RetVal() != AT_RET_OK) return -1;
-    int32_t status = 0;
-    const ParseRows rows = ParseReply(kApconnstQuery, msg.Report(), &status);
-    if (status != AT_PARSE_OK || rows.Get() == nullptr) return -1;
-    if (ReadPppState(rows.Get(), *s) != 0) return -1;
-    s->errorId = AT_ERRID_OK;
-    AT_LOG_INFO("end");
-    return 0;
+    return SendSecret(Command(kAuthDataSet, static_cast<int32_t>(a->cid),
+                              static_cast<int32_t>(a->authType), a->plmn, a->passwd, a->username),
+                      &a->errorId);
+}
+
+int32_t AtGetAuthData(AuthDataInfo *a) {
+    if (a == nullptr) {
+        AT_LOG_ERR("Param is null");
+        return -1;
+    }
+    return Command(kAuthDataQuery).Query(kAuthDataFields, *a, &a->errorId);
+}
+
+int32_t AtGetAuthDataByCid(AuthDataInfo *a, uint32_t cid) {
+    AT_LOG_INFO("in");
+    if (a == nullptr) return -1;
+    return ReadByCid<32>(kAuthDataQuery, kAuthDataFields, *a, cid, kAuthDataByCidLog);
+}
+
+int32_t AtChData(ChDataRequest *r) {
+    if (r == nullptr) return -1;
+    const int32_t cid = static_cast<int32_t>(r->cid);
+    const int32_t ret =
+        r->dataChannel != 0
+            ? Command(kChDataBind, cid, static_cast<int32_t>(r->dataChannel)).Send(&r->errorId)
+            : Command(kChDataDefault, cid).Send(&r->errorId);
+    return ret == 0 ? 0 : -1;
 }
 
 }  // extern "C"

@@ -22,7 +22,7 @@
 #include "atapi/at_send.h"
 #include "link/at_lib_state.h"
 #include "link/ats_paths.h"
-#include "trace.h"
+#include "platform/trace.h"
 
 extern char **environ;
 

@@ -5,7 +5,7 @@
 
 #include "atcli_common.h"
 #include "atcli_raw.h"
-#include "trace.h"
+#include "platform/trace.h"
 
 namespace {
 

@@ -1,12 +1,12 @@
 // Abort and clear requests, and the wait for atserver's ready flag.
 #include <cstdint>
 
-#include "at_lib_state.h"
-#include "at_log.h"
 #include "atapi/at_link.h"
-#include "ats_paths.h"
-#include "bounded.h"
-#include "osa.h"
+#include "link/at_lib_state.h"
+#include "link/at_log.h"
+#include "link/ats_paths.h"
+#include "platform/bounded.h"
+#include "platform/osa.h"
 
 namespace {
 

@@ -1,13 +1,11 @@
-// Clearing atserver's request queue and the modem trace switch.
+// Clearing atserver's request queue: every waiting request is answered
+// with an error, then the running command is aborted.
 #include <cstdint>
-#include <cstring>
-#include <iterator>
 
-#include "at_lib_state_ops.h"
-#include "at_log.h"
 #include "atapi/at_link.h"
-#include "atapi/at_send.h"
-#include "bounded.h"
+#include "link/at_lib_state_ops.h"
+#include "link/at_log.h"
+#include "platform/bounded.h"
 
 namespace {
 
@@ -19,8 +17,6 @@ constexpr int32_t kClearedReplyLen = sizeof kClearedReply - 1;
 // The platform notification that asks the server to abort the running command.
 constexpr uint32_t kAbortNotifyModule = 31;
 constexpr uint32_t kAbortNotifyId = 55023;
-
-constexpr const char *kTraceCommands[] = {"AT^TRACEON=0", "AT^TRACEON=1"};
 
 // Turns a drained request into the error reply its requester is waiting for.
 void MakeErrorReply(AtSrvMsg *msg) {
@@ -58,11 +54,6 @@ int32_t ClearAllAtCommandsInQueue(void) {
     AT_LOG_INFO("In case that at command is running, send abort at request\n");
     AtsPostNotify(kAbortNotifyModule, kAbortNotifyId, 0, 0);
     return 0;
-}
-
-int32_t AtTraceOn(uint32_t on) {
-    if (on >= std::size(kTraceCommands)) return -1;
-    return AtSendSimpleCmd(kTraceCommands[on], nullptr, nullptr) == 0 ? 0 : -1;
 }
 
 }  // extern "C"

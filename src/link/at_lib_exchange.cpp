@@ -7,11 +7,11 @@
 #include <cstdint>
 #include <cstring>
 
-#include "at_lib_state_ops.h"
-#include "at_log.h"
 #include "atapi/at_link.h"
-#include "ats_paths.h"
-#include "bounded.h"
+#include "link/at_lib_state_ops.h"
+#include "link/at_log.h"
+#include "link/ats_paths.h"
+#include "platform/bounded.h"
 
 // Hard failures of the exchange also go to the module log.
 #define AT_LOG_HARD(...)                                        \

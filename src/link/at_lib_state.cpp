@@ -1,4 +1,4 @@
-#include "at_lib_state.h"
+#include "link/at_lib_state.h"
 
 #include <sys/syscall.h>
 #include <unistd.h>

@@ -7,7 +7,7 @@
 #include <atomic>
 #include <cstdint>
 
-#include "at_lib_state.h"
+#include "link/at_lib_state.h"
 
 namespace atapi {
 

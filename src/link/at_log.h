@@ -2,7 +2,7 @@
 // logs through these macros with the platform's levels.
 #pragma once
 
-#include "../platform/trace.h"
+#include "platform/trace.h"
 
 #define AT_LOG(level, ...) \
     UMO_TRACE_PrintInfo(kTraceSrc, __LINE__, 0, "atserver", (level), __VA_ARGS__)

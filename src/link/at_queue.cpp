@@ -9,11 +9,11 @@
 #include <cstdint>
 #include <cstring>
 
-#include "at_log.h"
 #include "atapi/at_link.h"
-#include "ats_clock.h"
-#include "ats_paths.h"
-#include "bounded.h"
+#include "link/at_log.h"
+#include "link/ats_clock.h"
+#include "link/ats_paths.h"
+#include "platform/bounded.h"
 
 namespace {
 

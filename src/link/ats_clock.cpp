@@ -1,4 +1,4 @@
-#include "ats_clock.h"
+#include "link/ats_clock.h"
 
 #include <unistd.h>
 

@@ -11,13 +11,13 @@
 #include <cstring>
 #include <memory>
 
-#include "at_log.h"
 #include "atapi/at_link.h"
-#include "ats_clock.h"
-#include "ats_event_map.h"
-#include "ats_paths.h"
-#include "bounded.h"
-#include "notify.h"
+#include "link/at_log.h"
+#include "link/ats_clock.h"
+#include "link/ats_event_map.h"
+#include "link/ats_paths.h"
+#include "platform/bounded.h"
+#include "platform/notify.h"
 
 namespace {
 constexpr char kTraceSrc[] = "atapi/src/ats_depends";

@@ -1,4 +1,4 @@
-#include "ats_paths.h"
+#include "link/ats_paths.h"
 
 #include <unistd.h>
 

@@ -71,15 +71,13 @@ ParseText ParseText::Copy(std::string_view text) {
     return buffer;
 }
 
-ParseText &ParseText::operator=(ParseText &&other) noexcept {
-    if (this != &other) {
-        AtParseRelease(text_, size_);
-        text_ = other.text_;
-        size_ = other.size_;
-        other.text_ = nullptr;
-        other.size_ = 0;
-    }
-    return *this;
+ParseStringArray::ParseStringArray(uint32_t count)
+    : strings_(static_cast<char **>(AtParseAlloc(count * sizeof(char *)))), count_(count) {}
+
+ParseStringArray::~ParseStringArray() {
+    if (strings_ == nullptr) return;
+    for (uint32_t i = 0; i < count_ && ownsStrings_; ++i) AtParseFreeString(strings_[i]);
+    AtParseRelease(strings_, count_ * sizeof(char *));
 }
 
 }  // namespace atapi

@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "atapi/at_types.h"
+#include "platform/wiped_text.h"
 
 namespace atapi {
 
@@ -32,30 +33,34 @@ char *AtParseStrDup(std::string_view text);
 // A zeroed node; null when the allocation failed.
 AtCmdParseNode *AtParseNewNode();
 
-// Owns a heap text buffer of a known size and releases it (wiped).
-class ParseText {
+// Owns a heap text buffer of this seam and releases it (wiped).
+class ParseText : public platform::WipedText<AtParseRelease> {
   public:
     ParseText() = default;
     // Allocates a zeroed buffer of bytes; Get() is null when that failed.
-    explicit ParseText(size_t bytes)
-        : text_(static_cast<char *>(AtParseAlloc(bytes))), size_(bytes) {}
+    explicit ParseText(size_t bytes) : WipedText(static_cast<char *>(AtParseAlloc(bytes)), bytes) {}
     // Copies text with a terminator; Get() is null when that failed.
     static ParseText Copy(std::string_view text);
-    ParseText(ParseText &&other) noexcept : text_(other.text_), size_(other.size_) {
-        other.text_ = nullptr;
-        other.size_ = 0;
-    }
-    ParseText &operator=(ParseText &&other) noexcept;
-    ParseText(const ParseText &) = delete;
-    ParseText &operator=(const ParseText &) = delete;
-    ~ParseText() { AtParseRelease(text_, size_); }
+};
 
-    char *Get() const { return text_; }
-    size_t Size() const { return size_; }
+// Owns an array of count heap strings of this seam (null entries allowed):
+// releases the strings it still owns, each wiped, then the array.
+class ParseStringArray {
+  public:
+    // Get() is null when the array could not be allocated.
+    explicit ParseStringArray(uint32_t count);
+    ParseStringArray(const ParseStringArray &) = delete;
+    ParseStringArray &operator=(const ParseStringArray &) = delete;
+    ~ParseStringArray();
+
+    char **Get() const { return strings_; }
+    // The strings now belong to someone else (the nodes of a row).
+    void DisownStrings() { ownsStrings_ = false; }
 
   private:
-    char *text_ = nullptr;
-    size_t size_ = 0;
+    char **strings_;
+    uint32_t count_;
+    bool ownsStrings_ = true;
 };
 
 // ---- Test seam -------------------------------------------------------------

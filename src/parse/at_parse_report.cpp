@@ -16,34 +16,10 @@ constexpr char kTraceSrc[] = "atapi/src/at_parse_report";
 constexpr int32_t kMaxListValues = 1000;
 constexpr size_t kIndexNameSize = 20;
 
-// An array of count heap strings; releases the strings it still owns and
-// the array itself.
-class StringArray {
-  public:
-    explicit StringArray(uint32_t count)
-        : strings_(static_cast<char **>(atapi::AtParseAlloc(count * sizeof(char *)))),
-          count_(count) {}
-    StringArray(const StringArray &) = delete;
-    StringArray &operator=(const StringArray &) = delete;
-    ~StringArray() {
-        if (strings_ == nullptr) return;
-        for (uint32_t i = 0; i < count_ && ownsStrings_; ++i) atapi::AtParseFreeString(strings_[i]);
-        atapi::AtParseRelease(strings_, count_ * sizeof(char *));
-    }
-    char **Get() const { return strings_; }
-    // The strings now belong to the nodes of a row.
-    void DisownStrings() { ownsStrings_ = false; }
-
-  private:
-    char **strings_;
-    uint32_t count_;
-    bool ownsStrings_ = true;
-};
-
 // One row of count values split from list, named "index_0", "index_1", ...
 int32_t BuildIndexRow(AtCmdParseNode **out, const char *list, uint32_t count) {
-    StringArray names(count);
-    StringArray values(count);
+    atapi::ParseStringArray names(count);
+    atapi::ParseStringArray values(count);
     if (names.Get() == nullptr || values.Get() == nullptr) return AT_PARSE_NO_MEMORY;
     uint32_t stored = 0;
     if (AtConstParse(values.Get(), count, list, &stored) != AT_PARSE_OK) return AT_PARSE_NO_MEMORY;

@@ -15,6 +15,9 @@ class ParseRows {
     ~ParseRows() { FreeAtCmd(first_); }
 
     AtCmdParseNode *Get() const { return first_; }
+    // The slot a parse routine fills (AtCmdParseNode **out), on an owner that
+    // holds no rows yet: whatever the routine leaves there is owned.
+    AtCmdParseNode **Out() { return &first_; }
     // Links row (and the rows behind it) after the last row; null is ignored.
     void Append(AtCmdParseNode *row) {
         if (row != nullptr) AddLinkNode(&first_, row);

@@ -42,29 +42,6 @@ uint32_t FieldCount(const char *text) {
     return 1U + static_cast<uint32_t>(std::max(AtCountSeparator(text, ','), 0));
 }
 
-// An array of split strings; frees the strings it still owns and the array.
-class PieceArray {
-  public:
-    explicit PieceArray(uint32_t count)
-        : pieces_(static_cast<char **>(atapi::AtParseAlloc(count * sizeof(char *)))),
-          count_(count) {}
-    PieceArray(const PieceArray &) = delete;
-    PieceArray &operator=(const PieceArray &) = delete;
-    ~PieceArray() {
-        if (pieces_ == nullptr) return;
-        if (ownsStrings_) ReleasePieces(pieces_, count_);
-        atapi::AtParseRelease(pieces_, count_ * sizeof(char *));
-    }
-    char **Get() const { return pieces_; }
-    // The strings now belong to someone else (the nodes of a row).
-    void DisownStrings() { ownsStrings_ = false; }
-
-  private:
-    char **pieces_;
-    uint32_t count_;
-    bool ownsStrings_ = true;
-};
-
 }  // namespace
 
 extern "C" {
@@ -135,8 +112,8 @@ int32_t ParseField(AtCmdParseNode **out, const char *names, const char *values) 
         return AT_PARSE_BAD_ARG;
     }
     const uint32_t count = std::max(FieldCount(names), FieldCount(values));
-    PieceArray nameArray(count);
-    PieceArray valueArray(count);
+    atapi::ParseStringArray nameArray(count);
+    atapi::ParseStringArray valueArray(count);
     if (nameArray.Get() == nullptr || valueArray.Get() == nullptr) return AT_PARSE_NO_MEMORY;
 
     uint32_t stored = 0;

@@ -1,4 +1,4 @@
-#include "bounded.h"
+#include "platform/bounded.h"
 
 #include <cerrno>
 #include <cstdarg>

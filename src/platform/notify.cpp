@@ -1,7 +1,7 @@
-#include "notify.h"
+#include "platform/notify.h"
 
-#include "sink_slot.h"
-#include "trace.h"
+#include "platform/sink_slot.h"
+#include "platform/trace.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "osa.h"
+#include "platform/osa.h"
 
 #include <sys/stat.h>
 

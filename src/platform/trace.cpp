@@ -1,11 +1,11 @@
-#include "trace.h"
+#include "platform/trace.h"
 
 #include <atomic>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 
-#include "sink_slot.h"
+#include "platform/sink_slot.h"
 
 namespace {
 

@@ -1,7 +1,19 @@
-/* The public headers compile as C11 and the records keep their layout. */
+/* The public headers compile as C11 and the records keep their layout; a
+ * user of the library sees those headers and none of its internal ones. */
 #include <atapi/atapi.h>
 #include <stdio.h>
 #include <string.h>
+
+/* One header of each internal folder, and the platform folder's own names. */
+#if defined(__has_include)
+#if __has_include("platform/bounded.h") || __has_include("link/at_log.h")
+#error "the library's internal headers are on a user's include path"
+#elif __has_include("parse/at_parse_alloc.h") || __has_include("api/command.h")
+#error "the library's internal headers are on a user's include path"
+#elif __has_include("bounded.h") || __has_include("sink_slot.h")
+#error "the platform stand-ins' headers are on a user's include path"
+#endif
+#endif
 
 int main(void) {
     AtSrvMsg msg;

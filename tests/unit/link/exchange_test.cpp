@@ -10,7 +10,7 @@
 #include "gtest/gtest.h"
 #include "isolated_runtime.h"
 #include "link_test_util.h"
-#include "notify.h"
+#include "platform/notify.h"
 #include "scripted_modem.h"
 #include "trace_capture.h"
 

@@ -105,7 +105,7 @@ TEST(AllocationSeam, EveryFailedAllocationFailsCleanly) {
                     keptEarlierRows = true;
                 } else {
                     EXPECT_NE(status, AT_PARSE_OK);
-                    EXPECT_EQ(result.first, nullptr);
+                    EXPECT_EQ(result.Get(), nullptr);
                 }
             }
             tracker.ExpectAllReleasedWiped();
@@ -123,7 +123,7 @@ TEST(ParseRoutines, RefuseMissingArgumentsAndForeignReplies) {
         EXPECT_EQ(c.parse(result.Out(), c.atTemplate, nullptr, c.prefix), AT_PARSE_BAD_ARG);
         EXPECT_EQ(c.parse(result.Out(), c.atTemplate, reply.data(), nullptr), AT_PARSE_BAD_ARG);
         EXPECT_EQ(c.parse(result.Out(), nullptr, reply.data(), c.prefix), c.withoutTemplate);
-        EXPECT_EQ(result.first, nullptr);
+        EXPECT_EQ(result.Get(), nullptr);
         Result foreign;  // the cell-list parser never looks for the prefix
         EXPECT_EQ(c.parse(foreign.Out(), c.atTemplate, reply.data(), "^ABSENT"), c.withoutPrefix);
     }

@@ -41,7 +41,7 @@ TEST(ParseAtCmdFunc, Codes) {
         EXPECT_EQ(ParseAtCmdFunc(c.withOut ? result.Out() : nullptr, c.atName,
                                  c.reply != nullptr ? reply.data() : nullptr, c.moduleId, c.mode),
                   c.status);
-        EXPECT_EQ(result.first, nullptr);
+        EXPECT_EQ(result.Get(), nullptr);
     }
 }
 

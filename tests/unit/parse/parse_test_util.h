@@ -15,6 +15,7 @@
 
 #include "atapi/at_parse.h"
 #include "parse/at_parse_alloc.h"
+#include "parse/at_parse_rows.h"
 
 namespace atapi::test {
 
@@ -98,15 +99,9 @@ inline constexpr char kCgasTemplate[] = "arfcn,bsic,rxlev";
 inline constexpr char kCpmsTemplate[] = "+CPMS:(mem1,mem2),...";
 inline constexpr char kNdisTemplate[] = "^NDISSTATQRY:(cid)";
 
-// Owns a parse result for the duration of a test.
-struct Result {
-    AtCmdParseNode *first = nullptr;
-    Result() = default;
-    Result(const Result &) = delete;
-    Result &operator=(const Result &) = delete;
-    ~Result() { FreeAtCmd(first); }
-    AtCmdParseNode **Out() { return &first; }
-    Rows rows() const { return RowsOf(first); }
+// Owns a parse result for the duration of a test, and shows it as values.
+struct Result : ParseRows {
+    Rows rows() const { return RowsOf(Get()); }
 };
 
 // Watches every block of the parse layer while in scope: live blocks, the

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "atapi/at_parse.h"
+#include "parse/at_parse_rows.h"
 #include "scenario.h"
 
 namespace atsim::test {
@@ -199,9 +200,10 @@ TEST(DefaultScenario, RepliesFillEveryTemplateField) {
         ModemHarness harness("default.scn");
         if (c.setup != nullptr) harness.Exchange(std::string(c.setup) + "\r");
         std::string text = ReplyText(harness.Exchange(command + "\r", 1000));
-        AtCmdParseNode *first = nullptr;
-        ASSERT_EQ(ParseAtCmdFunc(&first, prefix.c_str(), text.data(), c.module, c.mode), 0) << text;
-        const std::unique_ptr<AtCmdParseNode, void (*)(AtCmdParseNode *)> owner(first, FreeAtCmd);
+        atapi::ParseRows owner;
+        ASSERT_EQ(ParseAtCmdFunc(owner.Out(), prefix.c_str(), text.data(), c.module, c.mode), 0)
+            << text;
+        const AtCmdParseNode *first = owner.Get();
         std::size_t rows = 0;
         bool filled = true;
         for (const AtCmdParseNode *row = first; row != nullptr; row = row->nextRow, ++rows) {

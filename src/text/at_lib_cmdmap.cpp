@@ -9,6 +9,7 @@
 #include "atapi/at_text.h"
 #include "link/at_log.h"
 #include "platform/bounded.h"
+#include "platform/wiped_text.h"
 
 namespace {
 
@@ -19,32 +20,15 @@ constexpr size_t kKeptEdge = 2;         // characters left readable at each end
 constexpr size_t kCpbwCopySize = 1024;  // phone-book lines fit this working copy
 constexpr size_t kCopyFitsLine = 0;     // working copy sized to the line
 
-// A heap copy of a line that may hold a secret; zeroed before it is freed.
-class SecretCopy {
-  public:
-    SecretCopy(const char *line, size_t capacity) {
-        if (line == nullptr) return;
-        size_ = capacity != kCopyFitsLine ? capacity : std::strlen(line) + 1;
-        text_ = static_cast<char *>(std::malloc(size_));
-        if (text_ != nullptr && strcpy_s(text_, size_, line) != 0) Release();
-    }
-    ~SecretCopy() { Release(); }
-    SecretCopy(const SecretCopy &) = delete;
-    SecretCopy &operator=(const SecretCopy &) = delete;
-
-    char *text() const { return text_; }
-
-  private:
-    void Release() {
-        if (text_ == nullptr) return;
-        memset_s(text_, size_, 0, size_);
-        std::free(text_);
-        text_ = nullptr;
-    }
-
-    char *text_ = nullptr;
-    size_t size_ = 0;
-};
+// A heap copy of a line that may hold a secret, of capacity bytes (or sized
+// to the line); empty when the line is null or the copy failed.
+platform::WipedText<> SecretCopy(const char *line, size_t capacity) {
+    if (line == nullptr) return {};
+    const size_t size = capacity != kCopyFitsLine ? capacity : std::strlen(line) + 1;
+    platform::WipedText<> copy(static_cast<char *>(std::malloc(size)), size);
+    if (copy.Get() != nullptr && strcpy_s(copy.Get(), size, line) != 0) copy.Reset();
+    return copy;
+}
 
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 bool AnyChar(char) { return true; }
@@ -129,10 +113,10 @@ void MaskFirstQuotedString(char *text) {
 
 template <typename MaskFn>
 int32_t LogMasked(const char *func, const char *line, size_t copySize, MaskFn mask) {
-    SecretCopy copy(line, copySize);
-    if (copy.text() == nullptr) return 1;
-    mask(copy.text());
-    AT_LOG_INFO("%s func in %s.", func, copy.text());
+    const platform::WipedText<> copy = SecretCopy(line, copySize);
+    if (copy.Get() == nullptr) return 1;
+    mask(copy.Get());
+    AT_LOG_INFO("%s func in %s.", func, copy.Get());
     return 0;
 }
 

@@ -7,7 +7,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
+#include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <functional>
@@ -69,8 +71,34 @@ bool WaitUntil(const std::function<bool()> &done, std::chrono::seconds limit) {
     return true;
 }
 
-// posix_spawn of argv with stdout and stderr sent to files; -1 on failure.
+std::string FromEnvironment(const char *name, const char *fallback) {
+    const char *value = std::getenv(name);
+    return value != nullptr ? value : fallback;
+}
+
+const std::string &OwnLauncher() {
+    static const std::string launcher = ATAPI_TARGET_LAUNCHER;
+    return launcher;
+}
+
+const std::string &ServerLauncher() {
+    static const std::string launcher =
+        FromEnvironment("ATAPI_E2E_LAUNCHER", ATAPI_TARGET_LAUNCHER);
+    return launcher;
+}
+
+// posix_spawnp of argv (through the program's launcher, if any) with stdout
+// and stderr sent to files; -1 on failure.
 pid_t Spawn(std::vector<std::string> argv, const std::string &outPath, const std::string &errPath) {
+    const bool server = argv[0] == ServerProgram() || argv[0] == SimProgram();
+    const std::string &launcher = server ? ServerLauncher() : OwnLauncher();
+    if (!launcher.empty()) {
+        // atserver --sim starts atsim itself, through the same launcher.
+        if (server && std::find(argv.begin(), argv.end(), "--sim") != argv.end()) {
+            argv.insert(argv.end(), {"--atsim-launcher", launcher});
+        }
+        argv.insert(argv.begin(), launcher);
+    }
     std::vector<char *> args;
     for (std::string &word : argv) args.push_back(word.data());
     args.push_back(nullptr);
@@ -81,7 +109,7 @@ pid_t Spawn(std::vector<std::string> argv, const std::string &outPath, const std
     posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, errPath.c_str(),
                                      O_WRONLY | O_CREAT | O_TRUNC, 0644);
     pid_t pid = -1;
-    const int error = posix_spawn(&pid, args[0], &actions, nullptr, args.data(), environ);
+    const int error = posix_spawnp(&pid, args[0], &actions, nullptr, args.data(), environ);
     posix_spawn_file_actions_destroy(&actions);
     return error == 0 ? pid : -1;
 }
@@ -89,6 +117,21 @@ pid_t Spawn(std::vector<std::string> argv, const std::string &outPath, const std
 int ExitCode(int status) { return WIFEXITED(status) ? WEXITSTATUS(status) : -1; }
 
 }  // namespace
+
+const std::string &ServerProgram() {
+    static const std::string program = FromEnvironment("ATAPI_E2E_ATSERVER", ATSERVER_PATH);
+    return program;
+}
+
+const std::string &SimProgram() {
+    static const std::string program = FromEnvironment("ATAPI_E2E_ATSIM", ATSIM_PATH);
+    return program;
+}
+
+const std::string &CliProgram() {
+    static const std::string program = ATCLI_PATH;
+    return program;
+}
 
 Exchange Send(const std::string &cmd, int32_t timeoutSec, const char *prefix) {
     AtSrvMsg msg;
@@ -131,11 +174,11 @@ AtServerProcess::~AtServerProcess() {
 
 void AtServerProcess::Start(const std::string &scenario,
                             const std::vector<std::string> &extraArgs) {
-    std::vector<std::string> argv{ATSERVER_PATH, "--sim",    scenario,     "--atsim",
-                                  ATSIM_PATH,    "--report", ReportPath(), "-v"};
+    std::vector<std::string> argv{ServerProgram(), "--sim",    scenario,     "--atsim",
+                                  SimProgram(),    "--report", ReportPath(), "-v"};
     argv.insert(argv.end(), extraArgs.begin(), extraArgs.end());
     pid_ = Spawn(argv, runtime_.Path("/atserver.out"), runtime_.Path("/atserver.log"));
-    ASSERT_NE(pid_, -1) << "cannot start " << ATSERVER_PATH;
+    ASSERT_NE(pid_, -1) << "cannot start " << ServerProgram();
     // Peeks at an early end without reaping: the destructor still owns the child.
     const auto ended = [this] {
         siginfo_t info{};

@@ -24,6 +24,14 @@ struct Exchange {
 };
 Exchange Send(const std::string &cmd, int32_t timeoutSec = 10, const char *prefix = nullptr);
 
+// The programs under test: this build's own, run through the build's emulator
+// when it is cross-built. The environment may point atserver and atsim at
+// another build (ATAPI_E2E_ATSERVER, ATAPI_E2E_ATSIM, with ATAPI_E2E_LAUNCHER
+// the program that runs them, empty for none): the cross-ABI runs do.
+const std::string &ServerProgram();
+const std::string &SimProgram();
+const std::string &CliProgram();
+
 // Runs argv to its end with stdout and stderr captured through files in dir;
 // exitCode is -1 when it did not exit normally.
 struct ProcessResult {

@@ -27,7 +27,7 @@ TEST_F(E2eTest, Atcli_RawPrintsClassAndText) {
         {{"nosuchsubcommand"}, 2, ""},
     };
     for (const Case &c : cases) {
-        std::vector<std::string> argv{ATCLI_PATH};
+        std::vector<std::string> argv{CliProgram()};
         argv.insert(argv.end(), c.args.begin(), c.args.end());
         SCOPED_TRACE(c.args.back());
         const ProcessResult result = RunProcess(argv, runtime_->Root());
@@ -38,7 +38,7 @@ TEST_F(E2eTest, Atcli_RawPrintsClassAndText) {
 
 TEST(AtcliWithoutServer, Atcli_SaysSoAndExitsTwo) {
     test::IsolatedRuntime runtime;
-    const ProcessResult result = RunProcess({ATCLI_PATH, "raw", "AT+CGMI"}, runtime.Root());
+    const ProcessResult result = RunProcess({CliProgram(), "raw", "AT+CGMI"}, runtime.Root());
     EXPECT_EQ(result.exitCode, 2);
     EXPECT_EQ(result.out, "");
     EXPECT_EQ(result.err, "atcli: atserver is not running (no ready flag at " +
@@ -47,8 +47,8 @@ TEST(AtcliWithoutServer, Atcli_SaysSoAndExitsTwo) {
 
 TEST(AtserverStart, ModemThatNeverAnswersEndsTheStartWithAClearError) {
     test::IsolatedRuntime runtime;
-    const ProcessResult result = RunProcess({ATSERVER_PATH, "--sim", runtime.Path("/no-such.scn"),
-                                             "--atsim", ATSIM_PATH, "--ready-timeout", "1"},
+    const ProcessResult result = RunProcess({ServerProgram(), "--sim", runtime.Path("/no-such.scn"),
+                                             "--atsim", SimProgram(), "--ready-timeout", "1"},
                                             runtime.Root());
     EXPECT_EQ(result.exitCode, 1);
     EXPECT_NE(result.err.find("the modem did not answer AT within 1 s; giving up"),
@@ -58,8 +58,8 @@ TEST(AtserverStart, ModemThatNeverAnswersEndsTheStartWithAClearError) {
 }
 
 TEST_F(E2eTest, Start_SecondServerLeavesTheRunningOneAlone) {
-    const ProcessResult second =
-        RunProcess({ATSERVER_PATH, "--sim", scenario_, "--atsim", ATSIM_PATH}, runtime_->Root());
+    const ProcessResult second = RunProcess(
+        {ServerProgram(), "--sim", scenario_, "--atsim", SimProgram()}, runtime_->Root());
     EXPECT_EQ(second.exitCode, 1);
     EXPECT_NE(second.err.find("atserver is already running (pid " + std::to_string(server_->Pid())),
               std::string::npos)

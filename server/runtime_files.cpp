@@ -1,6 +1,7 @@
 #include "runtime_files.h"
 
 #include <signal.h>
+#include <sys/prctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -63,7 +64,12 @@ pid_t RunningServerPid() {
     return ProcessName(candidate) == atapi::kServerTaskName ? candidate : 0;
 }
 
-bool WritePidFile() { return WriteWholeFile(PidFilePath(), std::to_string(getpid()) + "\n"); }
+bool WritePidFile() {
+    // The check above knows a running server by its process name; under an
+    // emulator that name would be the emulator's, so the server names itself.
+    prctl(PR_SET_NAME, atapi::kServerTaskName);
+    return WriteWholeFile(PidFilePath(), std::to_string(getpid()) + "\n");
+}
 
 void RemovePidFile() { std::remove(PidFilePath().c_str()); }
 

@@ -158,7 +158,11 @@ ProcessResult RunProcess(const std::vector<std::string> &argv, const std::string
         return result;
     }
     int status = 0;
-    while (waitpid(pid, &status, 0) == -1 && errno == EINTR) {
+    if (!WaitUntil([&] { return waitpid(pid, &status, WNOHANG) == pid; },
+                   std::chrono::seconds(30))) {
+        ADD_FAILURE() << argv.front() << " did not end";
+        kill(pid, SIGKILL);
+        waitpid(pid, &status, 0);
     }
     result.exitCode = ExitCode(status);
     result.out = ReadFile(dir + "/process.out");

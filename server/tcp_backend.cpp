@@ -38,7 +38,7 @@ class TcpBackend : public ModemBackend {
         : host_(std::move(host)), port_(std::move(port)) {}
     ~TcpBackend() override { Close(); }
 
-    int Open() override {
+    OpenResult Open() override {
         Close();
         addrinfo hints{};
         hints.ai_family = AF_UNSPEC;
@@ -46,8 +46,8 @@ class TcpBackend : public ModemBackend {
         addrinfo *found = nullptr;
         const int gai = getaddrinfo(host_.c_str(), port_.c_str(), &hints, &found);
         if (gai != 0) {
-            Logf("cannot resolve %s: %s", Describe().c_str(), gai_strerror(gai));
-            return -1;
+            LogWarn("cannot resolve %s: %s", Describe().c_str(), gai_strerror(gai));
+            return {};
         }
         int error = 0;
         for (addrinfo *ai = found; ai != nullptr && fd_ == -1; ai = ai->ai_next) {
@@ -63,12 +63,12 @@ class TcpBackend : public ModemBackend {
         }
         freeaddrinfo(found);
         if (fd_ == -1) {
-            Logf("cannot connect to %s: %s", Describe().c_str(), std::strerror(error));
-            return -1;
+            LogWarn("cannot connect to %s: %s", Describe().c_str(), std::strerror(error));
+            return {};
         }
         const int one = 1;
         setsockopt(fd_, IPPROTO_TCP, TCP_NODELAY, &one, sizeof one);
-        return fd_;
+        return {fd_};
     }
 
     void Close() override {

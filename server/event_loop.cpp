@@ -129,8 +129,9 @@ int EventLoop::Run() {
             }
         }
         if ((fds[1].revents & POLLIN) != 0) HandleTimer(now);
-        if (modemFailed_)
+        if (modemFailed_ != 0) {
             LoseModem(std::string("write failed: ") + std::strerror(modemFailed_), now);
+        }
 
         if (scheduler_.ModemReady() && !answeredSinceOpen_ && !NoteModemReady(now)) {
             return Stop(1, "no ready flag");

@@ -111,7 +111,8 @@ int EventLoop::Run() {
     for (;;) {
         // The third descriptor is the port, or what its backend waits on while opening.
         const int portFd = modemFd_ != -1 ? modemFd_ : openWaitFd_;
-        pollfd fds[3] = {{signalFd_, POLLIN, 0}, {timerFd_, POLLIN, 0}, {portFd, POLLIN, 0}};
+        const short portEvents = modemFd_ != -1 ? POLLIN : openWaitEvents_;
+        pollfd fds[3] = {{signalFd_, POLLIN, 0}, {timerFd_, POLLIN, 0}, {portFd, portEvents, 0}};
         const nfds_t count = portFd == -1 ? 2 : 3;
         if (modemFd_ != -1 && !modemOutput_.empty()) fds[2].events |= POLLOUT;
         if (poll(fds, count, -1) < 0) {
@@ -242,6 +243,7 @@ void EventLoop::TryOpenModem(int64_t nowMs) {
     if (openWaitFd_ == -1) lastOpenMs_ = nowMs;
     const ModemBackend::OpenResult opened = backend_.Open();
     openWaitFd_ = opened.waitFd;
+    openWaitEvents_ = opened.waitEvents;
     if (opened.fd == -1) {
         if (openWaitFd_ == -1) {
             LogWarn("cannot open the modem port; trying again in %lld ms",

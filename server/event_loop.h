@@ -66,6 +66,7 @@ class EventLoop : private CommandScheduler::Io {
     int timerFd_ = -1;
     int modemFd_ = -1;
     int openWaitFd_ = -1;  // the backend is opening the port and waits on this
+    short openWaitEvents_ = POLLIN;
     int64_t timerIntervalMs_ = 0;
     std::string modemOutput_;
     int modemFailed_ = 0;  // errno of a failed write; the port is dropped after this event

@@ -4,6 +4,8 @@
 // port that takes time to open (atsim starting) is opened in steps.
 #pragma once
 
+#include <poll.h>
+
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -17,7 +19,8 @@ class ModemBackend {
     virtual ~ModemBackend() = default;
     struct OpenResult {
         int fd = -1;      // the port: non-blocking, close-on-exec, owned by the backend
-        int waitFd = -1;  // still opening: call Open again once this is readable
+        int waitFd = -1;  // still opening: call Open again once waitFd has waitEvents
+        short waitEvents = POLLIN;
     };
     // Opens (or restarts) the port, or goes on opening it after a waitFd
     // result. Both descriptors -1: failed, the reason logged.

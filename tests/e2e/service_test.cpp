@@ -14,6 +14,7 @@
 #include <string>
 #include <vector>
 
+#include "atapi/at_types.h"
 #include "e2e_fixture.h"
 #include "link/ats_paths.h"
 
@@ -38,6 +39,7 @@ class NotifySocket {
     explicit NotifySocket(const std::string &name) : name_(name) {
         sockaddr_un addr{};
         addr.sun_family = AF_UNIX;
+        if (name.size() >= sizeof addr.sun_path) return;
         std::memcpy(addr.sun_path, name.data(), name.size());
         if (name[0] == '@') addr.sun_path[0] = '\0';
         const auto len = static_cast<socklen_t>(sizeof addr.sun_family + name.size());
@@ -94,6 +96,24 @@ TEST(AtserverStop, StopSignalsRemoveEveryFileAndSayWhy) {
         EXPECT_NE(server.Log().find(std::string("stopped (") + name + ")"), std::string::npos)
             << server.Log();
     }
+}
+
+// A killed server leaves its files; the next start clears them and serves.
+TEST(AtserverStop, StartAfterAKillClearsWhatTheKilledServerLeft) {
+    test::IsolatedRuntime runtime;
+    AtServerProcess killed(runtime);
+    killed.Start(kDefaultScenario, {});
+    EXPECT_EQ(killed.Stop(SIGKILL), -1);
+    ASSERT_TRUE(FileExists(PidFile()));
+    ASSERT_TRUE(FileExists(ReadyFlagPath()));
+
+    AtServerProcess next(runtime);
+    next.Start(kDefaultScenario, {});  // passes on the stale flag at once
+    ASSERT_TRUE(next.WaitForLog("ready after")) << next.Log();
+    EXPECT_EQ(Send("AT").retVal, AT_RET_OK) << next.Log();
+    EXPECT_NE(next.Log().find("left by an earlier run"), std::string::npos) << next.Log();
+    EXPECT_EQ(next.Stop(), 0);
+    ExpectNothingLeft();
 }
 
 // An atsim that never names its pseudo-terminal: atserver must not wait on

@@ -51,13 +51,13 @@ void CommandScheduler::OnModemDown() {
     draining_.reset();
     reportLinesToFollow_ = 0;
     if (running_) {
-        Logf("modem lost while running \"%s\" of %d: answering ERROR",
-             LoggableCommand(running_->cmd).c_str(), running_->request.mtype);
+        LogWarn("modem lost while running \"%s\" of %d: answering ERROR",
+                LoggableCommand(running_->cmd).c_str(), running_->request.mtype);
         Answer(running_->request, PlainErrorReply());
         running_.reset();
     }
     const size_t cleared = Clear([](const AtSrvMsg &) { return true; });
-    if (cleared > 0) Logf("modem lost: answered ERROR to %zu queued requests", cleared);
+    if (cleared > 0) LogWarn("modem lost: answered ERROR to %zu queued requests", cleared);
 }
 
 void CommandScheduler::OnRequest(const AtSrvMsg &msg, RecordKind kind, int64_t nowMs) {
@@ -66,7 +66,8 @@ void CommandScheduler::OnRequest(const AtSrvMsg &msg, RecordKind kind, int64_t n
             HandleControl(msg, nowMs);
             return;
         case RecordKind::kBadCommand:
-            Logf("refused a request of %d: empty, unterminated or multi-line command", msg.mtype);
+            LogWarn("refused a request of %d: empty, unterminated or multi-line command",
+                    msg.mtype);
             Answer(msg, PlainErrorReply());
             return;
         case RecordKind::kMalformed:
@@ -75,8 +76,8 @@ void CommandScheduler::OnRequest(const AtSrvMsg &msg, RecordKind kind, int64_t n
             break;
     }
     if (state_ == ModemState::kDown) {
-        Logf("modem is down: answering ERROR to \"%s\" of %d",
-             LoggableCommand(CommandText(msg)).c_str(), msg.mtype);
+        LogWarn("modem is down: answering ERROR to \"%s\" of %d",
+                LoggableCommand(CommandText(msg)).c_str(), msg.mtype);
         Answer(msg, PlainErrorReply());
         return;
     }
@@ -115,7 +116,7 @@ void CommandScheduler::Abort(int32_t mtype, const std::string &text, int64_t now
             ++it;
         }
     }
-    if (!aborted) Logf("nothing to abort for %d", mtype);
+    if (!aborted) LogDebug("nothing to abort for %d", mtype);
     StartNext(nowMs);
 }
 
@@ -196,15 +197,15 @@ void CommandScheduler::OnCommandLine(const std::string &line, int64_t nowMs) {
 
 void CommandScheduler::OnDrainLine(const std::string &line) {
     if (const std::optional<int32_t> result = ClassifyFinalResult(line)) {
-        Logf("late result \"%s\" of \"%s\" discarded", line.c_str(),
-             LoggableCommand(draining_->cmd).c_str());
+        LogDebug("late result \"%s\" of \"%s\" discarded", line.c_str(),
+                 LoggableCommand(draining_->cmd).c_str());
         if (--draining_->results == 0) draining_.reset();
         return;
     }
     if (urc_.Check(line, {}, draining_->cmd).unsolicited) {
         Unsolicited(line, {}, draining_->cmd);
-    } else if (LogVerbose()) {
-        Logf("late line of \"%s\" discarded", LoggableCommand(draining_->cmd).c_str());
+    } else {
+        LogDebug("late line of \"%s\" discarded", LoggableCommand(draining_->cmd).c_str());
     }
 }
 
@@ -219,14 +220,12 @@ void CommandScheduler::Complete(int32_t retVal, const std::string &finalLine, in
     const ReplyText reply =
         retVal == AT_RET_OK ? OkReply(cmd.lines) : ErrorReply(retVal, finalLine);
     if (reply.linesCut > 0) {
-        Logf("reply to \"%s\" of %d cut: %zu lines did not fit", LoggableCommand(cmd.cmd).c_str(),
-             cmd.request.mtype, reply.linesCut);
+        LogWarn("reply to \"%s\" of %d cut: %zu lines did not fit",
+                LoggableCommand(cmd.cmd).c_str(), cmd.request.mtype, reply.linesCut);
     }
-    if (LogVerbose()) {
-        Logf("served \"%s\" for %d seq %u: class %d, %zu chars, %lld ms",
+    LogDebug("served \"%s\" for %d seq %u: class %d, %zu chars, %lld ms",
              LoggableCommand(cmd.cmd).c_str(), cmd.request.mtype, cmd.request.seq, retVal,
              reply.text.size(), static_cast<long long>(nowMs - cmd.startedMs));
-    }
     Answer(cmd.request, reply);
     running_.reset();
     StartNext(nowMs);
@@ -253,7 +252,7 @@ CommandScheduler::TickResult CommandScheduler::OnTick(int64_t nowMs) {
         AbortRunning("by the guard timer (no final result and no abort request)", nowMs);
     }
     if (draining_ && nowMs >= draining_->untilMs) {
-        Logf("\"%s\" gave no final result; going on", LoggableCommand(draining_->cmd).c_str());
+        LogWarn("\"%s\" gave no final result; going on", LoggableCommand(draining_->cmd).c_str());
         draining_.reset();
     }
     StartNext(nowMs);

@@ -13,35 +13,57 @@
 #include <vector>
 
 #include "link/ats_paths.h"
+#include "monotonic_clock.h"
 #include "runtime_files.h"
 #include "server_log.h"
+#include "service_notify.h"
 
 namespace atserver {
 namespace {
 
 constexpr int64_t kIdleTickMs = 100;
 constexpr int64_t kBacklogTickMs = 10;
+// A port that keeps failing is tried again after 1, 2, 4 ... up to 30 s.
 constexpr int64_t kReopenIntervalMs = 1000;
+constexpr int64_t kMaxReopenIntervalMs = 30000;
 // After a reopen, how long the modem may take to answer "AT".
 constexpr int64_t kReprobeWindowMs = 5000;
 // A full reply queue that nobody reads from for this long holds only replies
 // of requesters that are gone.
 constexpr int64_t kStaleReplyMs = 2000;
 
-int64_t NowMs() {
-    timespec now{};
-    clock_gettime(CLOCK_MONOTONIC, &now);
-    return static_cast<int64_t>(now.tv_sec) * 1000 + now.tv_nsec / 1000000;
+int64_t NowMs() { return MonotonicMs(); }
+
+enum class SignalAction { kRequests, kStop, kReopenLog };
+
+struct ServerSignal {
+    int signo;
+    const char *name;
+    SignalAction action;
+};
+
+constexpr ServerSignal kServerSignals[] = {
+    {SIGUSR1, "SIGUSR1", SignalAction::kRequests},
+    {SIGTERM, "SIGTERM", SignalAction::kStop},
+    {SIGINT, "SIGINT", SignalAction::kStop},
+    {SIGHUP, "SIGHUP", SignalAction::kReopenLog},
+};
+
+const ServerSignal *FindSignal(uint32_t signo) {
+    for (const ServerSignal &entry : kServerSignals) {
+        if (static_cast<uint32_t>(entry.signo) == signo) return &entry;
+    }
+    return nullptr;
 }
+
+}  // namespace
 
 sigset_t ServerSignals() {
     sigset_t set;
     sigemptyset(&set);
-    for (int sig : {SIGUSR1, SIGTERM, SIGINT}) sigaddset(&set, sig);
+    for (const ServerSignal &entry : kServerSignals) sigaddset(&set, entry.signo);
     return set;
 }
-
-}  // namespace
 
 EventLoop::EventLoop(ModemBackend &backend, RequestQueues &queues, ReportSink &reports,
                      unsigned readyTimeoutSec)
@@ -49,8 +71,10 @@ EventLoop::EventLoop(ModemBackend &backend, RequestQueues &queues, ReportSink &r
       queues_(queues),
       reports_(reports),
       scheduler_(*this, urc_),
+      reopenDelayMs_(kReopenIntervalMs),
       readyTimeoutSec_(readyTimeoutSec),
-      readyDeadlineMs_(NowMs() + static_cast<int64_t>(readyTimeoutSec) * 1000) {}
+      startMs_(NowMs()),
+      readyDeadlineMs_(startMs_ + static_cast<int64_t>(readyTimeoutSec) * 1000) {}
 
 EventLoop::~EventLoop() {
     backend_.Close();
@@ -63,7 +87,7 @@ bool EventLoop::Setup() {
     signalFd_ = signalfd(-1, &signals, SFD_NONBLOCK | SFD_CLOEXEC);
     timerFd_ = timerfd_create(CLOCK_MONOTONIC, TFD_NONBLOCK | TFD_CLOEXEC);
     if (signalFd_ == -1 || timerFd_ == -1) {
-        Logf("cannot create the signal or timer descriptor: %s", std::strerror(errno));
+        LogError("cannot create the signal or timer descriptor: %s", std::strerror(errno));
         return false;
     }
     ArmTimer(kIdleTickMs);
@@ -81,49 +105,87 @@ void EventLoop::ArmTimer(int64_t intervalMs) {
 }
 
 int EventLoop::Run() {
-    if (!Setup()) return 1;
+    if (!Setup()) return Stop(1, "no signal or timer descriptor");
     Logf("modem: %s", backend_.Describe().c_str());
     TryOpenModem(NowMs());
     for (;;) {
-        pollfd fds[3] = {{signalFd_, POLLIN, 0}, {timerFd_, POLLIN, 0}, {modemFd_, 0, 0}};
-        const nfds_t count = modemFd_ == -1 ? 2 : 3;
-        fds[2].events = static_cast<short>(POLLIN | (modemOutput_.empty() ? 0 : POLLOUT));
+        // The third descriptor is the port, or what its backend waits on while opening.
+        const int portFd = modemFd_ != -1 ? modemFd_ : openWaitFd_;
+        const short portEvents = modemFd_ != -1 ? POLLIN : openWaitEvents_;
+        pollfd fds[3] = {{signalFd_, POLLIN, 0}, {timerFd_, POLLIN, 0}, {portFd, portEvents, 0}};
+        const nfds_t count = portFd == -1 ? 2 : 3;
+        if (modemFd_ != -1 && !modemOutput_.empty()) fds[2].events |= POLLOUT;
         if (poll(fds, count, -1) < 0) {
             if (errno == EINTR) continue;
-            Logf("poll failed: %s", std::strerror(errno));
-            return 1;
+            LogError("poll failed: %s", std::strerror(errno));
+            return Stop(1, "poll failed");
         }
         const int64_t now = NowMs();
         if ((fds[0].revents & POLLIN) != 0 && !HandleSignals()) return 0;
-        if (count == 3 && fds[2].revents != 0) HandleModem(fds[2].revents, now);
-        if ((fds[1].revents & POLLIN) != 0) HandleTimer(now);
-        if (modemFailed_) LoseModem("write failed", now);
-
-        if (scheduler_.ModemReady() && !readyFlagCreated_) {
-            readyFlagCreated_ = CreateReadyFlag();
-            if (!readyFlagCreated_) {
-                Logf("cannot create the ready flag %s: %s", atapi::ReadyFlagPath(),
-                     std::strerror(errno));
-                return 1;
+        if (count == 3 && fds[2].revents != 0) {
+            if (modemFd_ != -1) {
+                HandleModem(fds[2].revents, now);
+            } else {
+                TryOpenModem(now);
             }
-            Logf("ready");
+        }
+        if ((fds[1].revents & POLLIN) != 0) HandleTimer(now);
+        if (modemFailed_ != 0) {
+            LoseModem(std::string("write failed: ") + std::strerror(modemFailed_), now);
+        }
+
+        if (scheduler_.ModemReady() && !answeredSinceOpen_ && !NoteModemReady(now)) {
+            return Stop(1, "no ready flag");
         }
         if (!readyFlagCreated_ && now >= readyDeadlineMs_) {
-            Logf("the modem did not answer AT within %u s; giving up", readyTimeoutSec_);
-            return 1;
+            LogError("the modem did not answer AT within %u s; giving up", readyTimeoutSec_);
+            return Stop(1, "the modem never answered");
         }
     }
+}
+
+int EventLoop::Stop(int status, std::string reason) {
+    stopReason_ = std::move(reason);
+    return status;
+}
+
+bool EventLoop::NoteModemReady(int64_t nowMs) {
+    answeredSinceOpen_ = true;
+    reopenDelayMs_ = kReopenIntervalMs;
+    if (readyFlagCreated_) return true;
+    readyFlagCreated_ = CreateReadyFlag();
+    if (!readyFlagCreated_) {
+        LogError("cannot create the ready flag %s: %s", atapi::ReadyFlagPath(),
+                 std::strerror(errno));
+        return false;
+    }
+    Logf("ready after %lld ms", static_cast<long long>(nowMs - startMs_));
+    ServiceNotify("READY=1");
+    return true;
 }
 
 bool EventLoop::HandleSignals() {
     signalfd_siginfo info;
     bool requests = false;
     while (read(signalFd_, &info, sizeof info) == static_cast<ssize_t>(sizeof info)) {
-        if (info.ssi_signo == SIGUSR1) {
-            requests = true;
-        } else {
-            Logf("signal %u: stopping", info.ssi_signo);
-            return false;
+        const ServerSignal *signal = FindSignal(info.ssi_signo);
+        if (signal == nullptr) continue;
+        switch (signal->action) {
+            case SignalAction::kRequests:
+                requests = true;
+                break;
+            case SignalAction::kStop:
+                Logf("%s from pid %u: stopping", signal->name, info.ssi_pid);
+                stopReason_ = signal->name;
+                return false;
+            case SignalAction::kReopenLog:
+                if (LogReopen()) {
+                    Logf("%s from pid %u: log reopened; serving on", signal->name, info.ssi_pid);
+                } else {
+                    LogError("%s: cannot reopen the log: %s; serving on", signal->name,
+                             std::strerror(errno));
+                }
+                break;
         }
     }
     // Signals coalesce: one wake-up may stand for many requests.
@@ -144,7 +206,10 @@ void EventLoop::HandleTimer(int64_t nowMs) {
     }
     // The queue is also polled here, in case a wake-up was never sent.
     TakeRequests(nowMs);
-    if (modemFd_ == -1 && nowMs >= nextOpenMs_) TryOpenModem(nowMs);
+    backend_.Tick(nowMs);
+    // A backend that is opening is also asked again on the tick, so that its
+    // own deadline holds when its descriptor stays silent.
+    if (modemFd_ == -1 && (openWaitFd_ != -1 || nowMs >= nextOpenMs_)) TryOpenModem(nowMs);
     if (scheduler_.OnTick(nowMs) == CommandScheduler::TickResult::kProbeFailed) {
         LoseModem("no answer to AT", nowMs);
     }
@@ -161,41 +226,57 @@ void EventLoop::HandleModem(short revents, int64_t nowMs) {
             LineReader::Output out;
             reader_.Feed(buf, static_cast<size_t>(got), &out);
             for (size_t dropped : out.droppedLengths) {
-                Logf("dropped an over-long modem line (%zu bytes)", dropped);
+                LogWarn("dropped an over-long modem line (%zu bytes)", dropped);
             }
             for (const std::string &line : out.lines) scheduler_.OnLine(line, nowMs);
             continue;
         }
         if (got < 0 && errno == EINTR) continue;
         if (got < 0 && errno == EAGAIN) return;
-        LoseModem(got == 0 ? "end of stream" : std::strerror(errno), nowMs);
+        LoseModem(got == 0 ? "end of stream" : std::string("read failed: ") + std::strerror(errno),
+                  nowMs);
         return;
     }
 }
 
 void EventLoop::TryOpenModem(int64_t nowMs) {
-    lastOpenMs_ = nowMs;
-    modemFd_ = backend_.Open();
-    if (modemFd_ == -1) {
-        nextOpenMs_ = nowMs + kReopenIntervalMs;
+    if (openWaitFd_ == -1) lastOpenMs_ = nowMs;
+    const ModemBackend::OpenResult opened = backend_.Open();
+    openWaitFd_ = opened.waitFd;
+    openWaitEvents_ = opened.waitEvents;
+    if (opened.fd == -1) {
+        if (openWaitFd_ == -1) {
+            LogWarn("cannot open the modem port; trying again in %lld ms",
+                    static_cast<long long>(reopenDelayMs_));
+            ScheduleReopen(nowMs + reopenDelayMs_);
+        }
         return;
     }
+    modemFd_ = opened.fd;
+    answeredSinceOpen_ = false;
     Logf("modem port open: %s", backend_.Describe().c_str());
     const int64_t window = readyFlagCreated_ ? kReprobeWindowMs : readyDeadlineMs_ - nowMs;
     scheduler_.OnModemUp(nowMs, window);
 }
 
-void EventLoop::LoseModem(const char *why, int64_t nowMs) {
-    Logf("modem port closed (%s)", why);
+void EventLoop::ScheduleReopen(int64_t atMs) {
+    nextOpenMs_ = atMs;
+    reopenDelayMs_ = std::min(reopenDelayMs_ * 2, kMaxReopenIntervalMs);
+}
+
+void EventLoop::LoseModem(const std::string &why, int64_t nowMs) {
     backend_.Close();
     modemFd_ = -1;
-    modemFailed_ = false;
+    modemFailed_ = 0;
     modemOutput_.clear();
     reader_.Reset();
     scheduler_.OnModemDown();
-    // At once after a port that served a while; a port that keeps failing is
-    // retried about once a second.
-    nextOpenMs_ = std::max(nowMs, lastOpenMs_ + kReopenIntervalMs);
+    // At once after a port that served a while; one that keeps failing is
+    // tried again ever more rarely.
+    const int64_t reopenAtMs = std::max(nowMs, lastOpenMs_ + reopenDelayMs_);
+    LogWarn("modem port closed (%s); opening it again in %lld ms", why.c_str(),
+            static_cast<long long>(reopenAtMs - nowMs));
+    ScheduleReopen(reopenAtMs);
 }
 
 void EventLoop::WriteToModem(const std::string &bytes) {
@@ -205,7 +286,7 @@ void EventLoop::WriteToModem(const std::string &bytes) {
 }
 
 void EventLoop::FlushModemOutput() {
-    while (!modemOutput_.empty() && !modemFailed_) {
+    while (!modemOutput_.empty() && modemFailed_ == 0) {
         const ssize_t put = write(modemFd_, modemOutput_.data(), modemOutput_.size());
         if (put > 0) {
             modemOutput_.erase(0, static_cast<size_t>(put));
@@ -213,7 +294,7 @@ void EventLoop::FlushModemOutput() {
             return;  // POLLOUT takes it from here
         } else if (put < 0 && errno != EINTR) {
             // Dropped by the loop once the scheduler has finished this step.
-            modemFailed_ = true;
+            modemFailed_ = errno;
         }
     }
 }

@@ -1,6 +1,9 @@
 // atserver's single thread: one poll over a signalfd (SIGUSR1 = a request is
-// waiting; SIGTERM/SIGINT = stop), the modem descriptor and a timer.
+// waiting; SIGTERM/SIGINT = stop; SIGHUP = reopen the log), the modem
+// descriptor (or the one its backend waits on while opening) and a timer.
 #pragma once
+
+#include <signal.h>
 
 #include <cstdint>
 #include <deque>
@@ -15,6 +18,10 @@
 
 namespace atserver {
 
+// The signals the loop takes through its signalfd; they must be blocked in
+// every thread before the loop starts.
+sigset_t ServerSignals();
+
 class EventLoop : private CommandScheduler::Io {
   public:
     EventLoop(ModemBackend &backend, RequestQueues &queues, ReportSink &reports,
@@ -24,8 +31,9 @@ class EventLoop : private CommandScheduler::Io {
     EventLoop &operator=(const EventLoop &) = delete;
 
     // Serves until SIGTERM or SIGINT (0), or until the modem never became
-    // ready or the loop cannot run (1). The signals must already be blocked.
+    // ready or the loop cannot run (1); StopReason() then says why.
     int Run();
+    const std::string &StopReason() const { return stopReason_; }
 
   private:
     // CommandScheduler::Io
@@ -35,11 +43,14 @@ class EventLoop : private CommandScheduler::Io {
 
     bool Setup();
     bool HandleSignals();  // false when asked to stop
+    int Stop(int status, std::string reason);
+    bool NoteModemReady(int64_t nowMs);  // false when the ready flag cannot be made
     void HandleTimer(int64_t nowMs);
     void HandleModem(short revents, int64_t nowMs);
     void TakeRequests(int64_t nowMs);
     void TryOpenModem(int64_t nowMs);
-    void LoseModem(const char *why, int64_t nowMs);
+    void LoseModem(const std::string &why, int64_t nowMs);
+    void ScheduleReopen(int64_t atMs);
     void FlushModemOutput();
     void FlushReplies(int64_t nowMs);
     void ArmTimer(int64_t intervalMs);
@@ -54,16 +65,22 @@ class EventLoop : private CommandScheduler::Io {
     int signalFd_ = -1;
     int timerFd_ = -1;
     int modemFd_ = -1;
+    int openWaitFd_ = -1;  // the backend is opening the port and waits on this
+    short openWaitEvents_ = POLLIN;
     int64_t timerIntervalMs_ = 0;
     std::string modemOutput_;
-    bool modemFailed_ = false;  // a write failed; the port is dropped after this event
+    int modemFailed_ = 0;  // errno of a failed write; the port is dropped after this event
     int64_t nextOpenMs_ = 0;
     int64_t lastOpenMs_ = 0;
+    int64_t reopenDelayMs_;  // grows while the port keeps failing
+    bool answeredSinceOpen_ = false;
     unsigned readyTimeoutSec_;
+    int64_t startMs_;
     int64_t readyDeadlineMs_ = 0;
     bool readyFlagCreated_ = false;
     std::deque<AtSrvMsg> replyBacklog_;  // replies waiting for room in the reply queue
     int64_t replyProgressMs_ = 0;        // last time the reply queue took a reply
+    std::string stopReason_;
 };
 
 }  // namespace atserver

@@ -14,50 +14,56 @@
 #include "request_queues.h"
 #include "runtime_files.h"
 #include "server_log.h"
+#include "service_notify.h"
 
 namespace {
 
 using namespace atserver;
 
+constexpr int kExitUsage = 64;
+
 // Blocked before anything else, so that a wake-up sent early stays pending
 // for the signalfd instead of killing the process.
 void BlockServerSignals() {
-    sigset_t set;
-    sigemptyset(&set);
-    for (int sig : {SIGUSR1, SIGTERM, SIGINT}) sigaddset(&set, sig);
+    const sigset_t set = ServerSignals();
     sigprocmask(SIG_BLOCK, &set, nullptr);
     signal(SIGPIPE, SIG_IGN);  // a modem socket closed under a write
 }
 
 int Serve(const ServerOptions &options) {
     if (const pid_t other = RunningServerPid(); other != 0) {
-        Logf("atserver is already running (pid %d, %s)", static_cast<int>(other),
-             PidFilePath().c_str());
+        LogError("atserver is already running (pid %d, %s)", static_cast<int>(other),
+                 PidFilePath().c_str());
         return 1;
     }
     ReportSink reports;
     if (!reports.Open(options.reportPath)) {
-        Logf("cannot open the report file %s: %s", options.reportPath.c_str(),
-             std::strerror(errno));
+        LogError("cannot open the report file %s: %s", options.reportPath.c_str(),
+                 std::strerror(errno));
         return 1;
     }
+    // Declared before the queues and the loop: an atsim still stopping is
+    // waited for after the files are gone.
     std::unique_ptr<ModemBackend> backend = MakeBackend(options);
     RemoveReadyFlag();  // left by a crashed run: clients must wait for the modem
     RequestQueues queues;
     if (!queues.Create()) return 1;
     if (!WritePidFile()) {
-        Logf("cannot write the pid file %s: %s", PidFilePath().c_str(), std::strerror(errno));
+        LogError("cannot write the pid file %s: %s", PidFilePath().c_str(), std::strerror(errno));
         return 1;
     }
     int status = 0;
+    std::string reason;
     {
         EventLoop loop(*backend, queues, reports, options.readyTimeoutSec);
         status = loop.Run();
+        reason = loop.StopReason();
     }
+    ServiceNotify("STOPPING=1");
     RemoveReadyFlag();
     RemovePidFile();
     queues.Destroy();
-    Logf("stopped");
+    Logf("stopped (%s): pid file, ready flag and queues removed", reason.c_str());
     return status;
 }
 
@@ -67,17 +73,27 @@ int main(int argc, char **argv) {
     BlockServerSignals();
     ServerOptions options;
     std::string error;
-    if (!ParseOptions(argc, argv, &options, &error)) {
-        if (!error.empty()) std::fprintf(stderr, "atserver: %s\n", error.c_str());
-        std::fputs(UsageText(), error.empty() ? stdout : stderr);
-        return error.empty() ? 0 : 2;
+    switch (ParseOptions(argc, argv, &options, &error)) {
+        case ParseResult::kHelp:
+            std::fputs(UsageText(), stdout);
+            return 0;
+        case ParseResult::kVersion:
+            std::printf("atserver %s\n", ATAPI_VERSION);
+            return 0;
+        case ParseResult::kUsageError:
+            std::fprintf(stderr, "atserver: %s (atserver --help lists the options)\n",
+                         error.c_str());
+            return kExitUsage;
+        case ParseResult::kServe:
+            break;
     }
-    if (!LogOpen(options.logPath)) {
+    if (!LogOpen(options.logTarget, options.logPath)) {
         std::fprintf(stderr, "atserver: cannot open the log %s: %s\n", options.logPath.c_str(),
                      std::strerror(errno));
-        return 2;
+        return 1;
     }
-    LogSetVerbose(options.verbose);
+    LogSetLevel(options.logLevel);
+    ServiceNotifyInit();
     const int status = Serve(options);
     LogClose();
     return status;

@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "server_log.h"
+
 namespace atserver {
 
 enum class BackendKind { kNone, kTty, kTcp, kSim };
@@ -18,15 +20,18 @@ struct ServerOptions {
     std::string atsimPath;             // empty: found next to atserver or in the build tree
     std::vector<std::string> simArgs;  // passed on to atsim (--sim-arg)
     std::string atsimLauncher;         // empty: atsim runs itself; else it runs under this program
-    std::string logPath;               // empty: stderr
-    std::string reportPath;            // empty: log only; "-": stdout
-    unsigned readyTimeoutSec = 15;     // how long the modem may take to answer "AT"
-    bool verbose = false;
+    LogTarget logTarget = LogTarget::kStderr;
+    std::string logPath;  // the file of LogTarget::kFile
+    LogLevel logLevel = LogLevel::kInfo;
+    std::string reportPath;         // empty: log only; "-": stdout
+    unsigned readyTimeoutSec = 15;  // how long the modem may take to answer "AT"
 };
 
-// Parses argv into *out. False with a message in *error on a usage error;
-// *error stays empty when help was asked for.
-bool ParseOptions(int argc, char **argv, ServerOptions *out, std::string *error);
+enum class ParseResult { kServe, kHelp, kVersion, kUsageError };
+
+// Parses argv into *out; a usage error comes with a message in *error that
+// names the argument at fault.
+ParseResult ParseOptions(int argc, char **argv, ServerOptions *out, std::string *error);
 
 const char *UsageText();
 

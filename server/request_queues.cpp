@@ -35,7 +35,7 @@ void RemoveStaleQueue(int projId) {
     if (key == -1) return;
     const int qid = msgget(key, 0);
     if (qid == -1) return;
-    Logf("removing queue %d (project id %d) left by an earlier run", qid, projId);
+    LogWarn("removing queue %d (project id %d) left by an earlier run", qid, projId);
     msgctl(qid, IPC_RMID, nullptr);
 }
 
@@ -74,8 +74,8 @@ RequestQueues::~RequestQueues() { Destroy(); }
 
 bool RequestQueues::Create() {
     if (!MakeDirectories(atapi::QueueKeyDir())) {
-        Logf("cannot create the queue key directory %s: %s", atapi::QueueKeyDir(),
-             std::strerror(errno));
+        LogError("cannot create the queue key directory %s: %s", atapi::QueueKeyDir(),
+                 std::strerror(errno));
         return false;
     }
     RemoveStaleQueue(atapi::kServerRecvProjId);
@@ -83,7 +83,7 @@ bool RequestQueues::Create() {
     requestQid_ = AtsMsgQueueCreate(atapi::kServerRecvProjId, kQueueMsgs, AT_SRV_MSG_SIZE);
     replyQid_ = AtsMsgQueueCreate(atapi::kServerSendProjId, kQueueMsgs, AT_SRV_MSG_SIZE);
     if (requestQid_ == -1 || replyQid_ == -1) {
-        Logf("cannot create the queues (request %d, reply %d)", requestQid_, replyQid_);
+        LogError("cannot create the queues (request %d, reply %d)", requestQid_, replyQid_);
         Destroy();
         return false;
     }
@@ -104,7 +104,7 @@ void RequestQueues::TakeAll(std::vector<IncomingRecord> *out) {
     for (;;) {
         const ssize_t got = ReceiveRaw(requestQid_, &wire);
         if (got < 0) {
-            if (errno != ENOMSG) Logf("request queue read failed: %s", std::strerror(errno));
+            if (errno != ENOMSG) LogError("request queue read failed: %s", std::strerror(errno));
             return;
         }
         AtSrvMsg msg{};
@@ -114,8 +114,8 @@ void RequestQueues::TakeAll(std::vector<IncomingRecord> *out) {
                  payloadLen < AT_SRV_MSG_PAYLOAD ? payloadLen : AT_SRV_MSG_PAYLOAD);
         const RecordKind kind = ClassifyRecord(msg, payloadLen);
         if (kind == RecordKind::kMalformed) {
-            Logf("dropped a malformed record from %d: %zu bytes, reqType %u", msg.mtype, payloadLen,
-                 msg.reqType);
+            LogWarn("dropped a malformed record from %d: %zu bytes, reqType %u", msg.mtype,
+                    payloadLen, msg.reqType);
             continue;
         }
         out->push_back({msg, kind});
@@ -134,14 +134,14 @@ RequestQueues::SendResult RequestQueues::SendReply(const AtSrvMsg &reply) {
         if (errno == EAGAIN) return SendResult::kFull;
         if (errno != EINTR) break;
     }
-    Logf("reply to %d failed: %s", reply.mtype, std::strerror(errno));
+    LogWarn("reply to %d failed: %s", reply.mtype, std::strerror(errno));
     return SendResult::kFailed;
 }
 
 bool RequestQueues::DropOldestReply() {
     WireRecord wire;
     if (ReceiveRaw(replyQid_, &wire) < 0) return false;
-    Logf("reply queue full: dropped an unread reply to %ld", wire.mtype);
+    LogWarn("reply queue full: dropped an unread reply to %ld", wire.mtype);
     return true;
 }
 

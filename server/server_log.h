@@ -1,19 +1,33 @@
-// atserver's own log: one timestamped line per event, to stderr or a file.
+// atserver's own log: one line per event, to stderr, a file or syslog, with a
+// level threshold.
 #pragma once
 
 #include <string>
 
 namespace atserver {
 
-// Sends the log to path (appending); an empty path keeps stderr. False when
-// the file cannot be opened (the log then stays on stderr).
-bool LogOpen(const std::string &path);
-void LogClose();
-void Logf(const char *format, ...) __attribute__((format(printf, 1, 2)));
+enum class LogLevel { kError, kWarn, kInfo, kDebug };
 
-// Per-command lines are written only when verbose logging is on.
-void LogSetVerbose(bool verbose);
-bool LogVerbose();
+enum class LogTarget { kStderr, kFile, kSyslog };
+
+// Parses "error", "warn", "info" or "debug"; false for anything else.
+bool ParseLogLevel(const std::string &name, LogLevel *out);
+
+// Sends the log to target (a file is appended to at path). False when the
+// file cannot be opened (the log then stays on stderr).
+bool LogOpen(LogTarget target, const std::string &path);
+// Opens the file again under its name (after a log rotation); the other
+// targets need nothing. False (errno set) when it cannot be opened: the log
+// then stays on the file it had.
+bool LogReopen();
+void LogClose();
+void LogSetLevel(LogLevel level);
+
+void LogError(const char *format, ...) __attribute__((format(printf, 1, 2)));
+void LogWarn(const char *format, ...) __attribute__((format(printf, 1, 2)));
+void Logf(const char *format, ...) __attribute__((format(printf, 1, 2)));  // info
+// Per-command lines: written only at level debug.
+void LogDebug(const char *format, ...) __attribute__((format(printf, 1, 2)));
 
 // A command line as it may appear in the log: set commands can carry PINs
 // and passwords, so only their part up to the '=' is kept; dial strings carry

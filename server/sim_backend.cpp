@@ -2,18 +2,22 @@
 // pseudo-terminal as the first line of its output, and serves on it.
 #include <fcntl.h>
 #include <limits.h>
-#include <poll.h>
 #include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <time.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <cstring>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "modem_backend.h"
+#include "monotonic_clock.h"
 #include "server_log.h"
 
 extern char **environ;
@@ -21,9 +25,11 @@ extern char **environ;
 namespace atserver {
 namespace {
 
-constexpr int kPtyPathTimeoutMs = 5000;
-constexpr int kStopTimeoutMs = 2000;
-constexpr int kStopPollMs = 10;
+constexpr int64_t kPtyPathTimeoutMs = 5000;
+constexpr int64_t kStopTimeoutMs = 2000;
+// At atserver's own stop, how long an atsim is given before SIGKILL.
+constexpr int64_t kFinalStopMs = 200;
+constexpr int kFinalStopPollMs = 5;
 
 std::string OwnDirectory() {
     char exe[PATH_MAX];
@@ -44,16 +50,17 @@ std::string DefaultAtsimPath() {
 #endif
 }
 
-void SleepMs(int ms) {
-    timespec pause{0, static_cast<long>(ms) * 1000000L};
-    nanosleep(&pause, nullptr);
-}
-
 std::string DescribeStatus(int status) {
     if (WIFEXITED(status)) return "exited with status " + std::to_string(WEXITSTATUS(status));
     if (WIFSIGNALED(status)) return "killed by signal " + std::to_string(WTERMSIG(status));
     return "stopped";
 }
+
+// An atsim that was told to stop and has not ended yet.
+struct StoppingChild {
+    pid_t pid;
+    int64_t killAtMs;  // SIGKILL when it is still there by then
+};
 
 class SimBackend : public ModemBackend {
   public:
@@ -63,39 +70,70 @@ class SimBackend : public ModemBackend {
           scenario_(std::move(scenario)),
           args_(std::move(args)),
           launcher_(std::move(launcher)) {}
-    ~SimBackend() override { Close(); }
 
-    int Open() override {
+    // atserver is stopping: a short wait, then SIGKILL for what is left.
+    ~SimBackend() override {
         Close();
-        if (!Spawn()) return -1;
-        const std::string ptyPath = ReadPtyPath();
-        if (ptyPath.empty()) {
+        const int64_t killAt = MonotonicMs() + kFinalStopMs;
+        for (StoppingChild &child : stopping_) child.killAtMs = std::min(child.killAtMs, killAt);
+        while (!stopping_.empty()) {
+            const timespec pause{0, kFinalStopPollMs * 1000000L};
+            nanosleep(&pause, nullptr);
+            Reap(MonotonicMs());
+        }
+    }
+
+    // Step one starts atsim; the next steps read the pseudo-terminal's path
+    // from its output as it comes, then open the port.
+    OpenResult Open() override {
+        if (child_ == 0) {
             Close();
-            return -1;
+            if (!Spawn()) return {};
+            startDeadlineMs_ = MonotonicMs() + kPtyPathTimeoutMs;
+        }
+        std::string ptyPath;
+        switch (ReadPtyPath(&ptyPath)) {
+            case ReadState::kWaiting:
+                return {-1, output_};
+            case ReadState::kFailed:
+                Close();
+                return {};
+            case ReadState::kDone:
+                break;
         }
         Logf("atsim (pid %d) serves on %s", static_cast<int>(child_), ptyPath.c_str());
         port_ = MakeTtyBackend(ptyPath, 115200);
-        const int fd = port_->Open();
-        if (fd == -1) Close();
-        return fd;
+        const OpenResult result = port_->Open();
+        if (result.fd == -1) Close();
+        return result;
     }
 
     void Close() override {
         port_.reset();
         if (output_ != -1) close(output_);
         output_ = -1;
-        StopChild();
+        line_.clear();
+        if (child_ > 0) {
+            kill(child_, SIGTERM);
+            stopping_.push_back({child_, MonotonicMs() + kStopTimeoutMs});
+            child_ = 0;
+        }
+        Reap(MonotonicMs());
     }
+
+    void Tick(int64_t nowMs) override { Reap(nowMs); }
 
     std::string Describe() const override {
         return "atsim " + (scenario_.empty() ? std::string("(default scenario)") : scenario_);
     }
 
   private:
+    enum class ReadState { kWaiting, kDone, kFailed };
+
     bool Spawn() {
         int pipeFds[2];
         if (pipe2(pipeFds, O_CLOEXEC) != 0) {
-            Logf("pipe failed: %s", std::strerror(errno));
+            LogError("pipe failed: %s", std::strerror(errno));
             return false;
         }
         std::vector<std::string> words{atsim_};
@@ -114,7 +152,9 @@ class SimBackend : public ModemBackend {
         sigemptyset(&none);
         sigset_t defaults;
         sigemptyset(&defaults);
-        for (int sig : {SIGPIPE, SIGUSR1, SIGTERM, SIGINT, SIGCHLD}) sigaddset(&defaults, sig);
+        for (int sig : {SIGPIPE, SIGUSR1, SIGTERM, SIGINT, SIGHUP, SIGCHLD}) {
+            sigaddset(&defaults, sig);
+        }
         posix_spawnattr_setsigmask(&attr, &none);
         posix_spawnattr_setsigdefault(&attr, &defaults);
         posix_spawnattr_setflags(&attr, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
@@ -129,60 +169,63 @@ class SimBackend : public ModemBackend {
         if (error != 0) {
             child_ = 0;
             close(pipeFds[0]);
-            Logf("cannot start %s: %s", argv[0], std::strerror(error));
+            LogError("cannot start %s: %s", argv[0], std::strerror(error));
             return false;
         }
         output_ = pipeFds[0];
+        fcntl(output_, F_SETFL, O_NONBLOCK);
         return true;
     }
 
-    // The first line atsim prints, waited for (bounded); empty on failure.
-    std::string ReadPtyPath() {
-        std::string line;
-        timespec start{};
-        clock_gettime(CLOCK_MONOTONIC, &start);
+    // Takes what atsim has printed so far: its first line is the path.
+    ReadState ReadPtyPath(std::string *path) {
+        char buf[256];
         for (;;) {
-            timespec now{};
-            clock_gettime(CLOCK_MONOTONIC, &now);
-            const long elapsedMs =
-                (now.tv_sec - start.tv_sec) * 1000L + (now.tv_nsec - start.tv_nsec) / 1000000L;
-            if (elapsedMs >= kPtyPathTimeoutMs) break;
-            pollfd pfd{output_, POLLIN, 0};
-            if (poll(&pfd, 1, static_cast<int>(kPtyPathTimeoutMs - elapsedMs)) <= 0) continue;
-            char c = 0;
-            const ssize_t got = read(output_, &c, 1);
+            const ssize_t got = read(output_, buf, sizeof buf);
             if (got < 0 && errno == EINTR) continue;
+            if (got < 0 && errno == EAGAIN) break;
             if (got <= 0) {
-                Logf("atsim ended before naming its pseudo-terminal");
-                return {};
+                LogWarn("atsim ended before naming its pseudo-terminal");
+                return ReadState::kFailed;
             }
-            if (c == '\n') return line;
-            if (line.size() < PATH_MAX) line.push_back(c);
+            const std::string_view text(buf, static_cast<size_t>(got));
+            const size_t newline = text.find('\n');
+            line_.append(text.substr(0, newline));
+            if (line_.size() > PATH_MAX) {
+                LogWarn("atsim printed no pseudo-terminal path");
+                return ReadState::kFailed;
+            }
+            if (newline != std::string_view::npos) {
+                *path = std::exchange(line_, {});
+                return ReadState::kDone;
+            }
         }
-        Logf("atsim did not name its pseudo-terminal within %d ms", kPtyPathTimeoutMs);
-        return {};
+        if (MonotonicMs() < startDeadlineMs_) return ReadState::kWaiting;
+        LogWarn("atsim did not name its pseudo-terminal within %lld ms",
+                static_cast<long long>(kPtyPathTimeoutMs));
+        return ReadState::kFailed;
     }
 
-    void StopChild() {
-        if (child_ <= 0) return;
-        int status = 0;
-        pid_t done = waitpid(child_, &status, WNOHANG);
-        if (done == 0) {
-            kill(child_, SIGTERM);
-            for (int waited = 0; done == 0 && waited < kStopTimeoutMs; waited += kStopPollMs) {
-                SleepMs(kStopPollMs);
-                done = waitpid(child_, &status, WNOHANG);
+    // Collects the atsims that ended; SIGKILL for those past their time.
+    void Reap(int64_t nowMs) {
+        for (auto it = stopping_.begin(); it != stopping_.end();) {
+            int status = 0;
+            const pid_t done = waitpid(it->pid, &status, WNOHANG);
+            if (done == 0 && nowMs >= it->killAtMs) {
+                LogWarn("atsim (pid %d) ignored SIGTERM; killing it", static_cast<int>(it->pid));
+                kill(it->pid, SIGKILL);
+                it->killAtMs = INT64_MAX;
             }
             if (done == 0) {
-                Logf("atsim (pid %d) ignored SIGTERM; killing it", static_cast<int>(child_));
-                kill(child_, SIGKILL);
-                done = waitpid(child_, &status, 0);
+                ++it;
+                continue;
             }
+            if (done == it->pid) {
+                Logf("atsim (pid %d) %s", static_cast<int>(it->pid),
+                     DescribeStatus(status).c_str());
+            }
+            it = stopping_.erase(it);
         }
-        if (done == child_) {
-            Logf("atsim (pid %d) %s", static_cast<int>(child_), DescribeStatus(status).c_str());
-        }
-        child_ = 0;
     }
 
     std::string atsim_;
@@ -190,7 +233,10 @@ class SimBackend : public ModemBackend {
     std::vector<std::string> args_;
     std::string launcher_;
     pid_t child_ = 0;
-    int output_ = -1;  // atsim's stdout, kept open so that it never writes into a closed pipe
+    int output_ = -1;   // atsim's stdout, kept open so that it never writes into a closed pipe
+    std::string line_;  // its first line so far
+    int64_t startDeadlineMs_ = 0;
+    std::vector<StoppingChild> stopping_;
     std::unique_ptr<ModemBackend> port_;
 };
 

@@ -1,4 +1,6 @@
 // A modem reached over TCP (a terminal server or a modem's network port).
+// The connection is made without blocking: each address is tried in turn and
+// the event loop waits for the socket to become writable.
 #include <netdb.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
@@ -8,29 +10,20 @@
 
 #include <cerrno>
 #include <cstring>
+#include <memory>
 
 #include "modem_backend.h"
+#include "monotonic_clock.h"
 #include "server_log.h"
 
 namespace atserver {
 namespace {
 
-constexpr int kConnectTimeoutMs = 2000;
+constexpr int64_t kConnectTimeoutMs = 2000;
 
-// Waits (bounded) for a non-blocking connect to finish; 0 or an errno value.
-int FinishConnect(int fd) {
-    pollfd pfd{fd, POLLOUT, 0};
-    int ready = 0;
-    do {
-        ready = poll(&pfd, 1, kConnectTimeoutMs);
-    } while (ready < 0 && errno == EINTR);
-    if (ready == 0) return ETIMEDOUT;
-    if (ready < 0) return errno;
-    int error = 0;
-    socklen_t len = sizeof error;
-    if (getsockopt(fd, SOL_SOCKET, SO_ERROR, &error, &len) != 0) return errno;
-    return error;
-}
+struct AddrInfoFree {
+    void operator()(addrinfo *list) const { freeaddrinfo(list); }
+};
 
 class TcpBackend : public ModemBackend {
   public:
@@ -38,7 +31,8 @@ class TcpBackend : public ModemBackend {
         : host_(std::move(host)), port_(std::move(port)) {}
     ~TcpBackend() override { Close(); }
 
-    int Open() override {
+    OpenResult Open() override {
+        if (fd_ != -1 && connecting_) return GoOnConnecting();
         Close();
         addrinfo hints{};
         hints.ai_family = AF_UNSPEC;
@@ -46,42 +40,78 @@ class TcpBackend : public ModemBackend {
         addrinfo *found = nullptr;
         const int gai = getaddrinfo(host_.c_str(), port_.c_str(), &hints, &found);
         if (gai != 0) {
-            Logf("cannot resolve %s: %s", Describe().c_str(), gai_strerror(gai));
-            return -1;
+            LogWarn("cannot resolve %s: %s", Describe().c_str(), gai_strerror(gai));
+            return {};
         }
-        int error = 0;
-        for (addrinfo *ai = found; ai != nullptr && fd_ == -1; ai = ai->ai_next) {
-            fd_ = socket(ai->ai_family, ai->ai_socktype | SOCK_NONBLOCK | SOCK_CLOEXEC,
-                         ai->ai_protocol);
-            if (fd_ == -1) {
-                error = errno;
-                continue;
-            }
-            error = connect(fd_, ai->ai_addr, ai->ai_addrlen) == 0 ? 0 : errno;
-            if (error == EINPROGRESS) error = FinishConnect(fd_);
-            if (error != 0) Close();
-        }
-        freeaddrinfo(found);
-        if (fd_ == -1) {
-            Logf("cannot connect to %s: %s", Describe().c_str(), std::strerror(error));
-            return -1;
-        }
-        const int one = 1;
-        setsockopt(fd_, IPPROTO_TCP, TCP_NODELAY, &one, sizeof one);
-        return fd_;
+        addresses_.reset(found);
+        next_ = found;
+        error_ = 0;
+        return ConnectNext();
     }
 
     void Close() override {
         if (fd_ != -1) close(fd_);
         fd_ = -1;
+        connecting_ = false;
     }
 
     std::string Describe() const override { return "tcp " + host_ + ":" + port_; }
 
   private:
+    // Starts a connection to the next address; fails when none is left.
+    OpenResult ConnectNext() {
+        for (; next_ != nullptr; next_ = next_->ai_next) {
+            fd_ = socket(next_->ai_family, next_->ai_socktype | SOCK_NONBLOCK | SOCK_CLOEXEC,
+                         next_->ai_protocol);
+            if (fd_ == -1) {
+                error_ = errno;
+                continue;
+            }
+            if (connect(fd_, next_->ai_addr, next_->ai_addrlen) == 0) return Connected();
+            error_ = errno;
+            if (error_ == EINPROGRESS) {
+                connecting_ = true;
+                deadlineMs_ = MonotonicMs() + kConnectTimeoutMs;
+                next_ = next_->ai_next;
+                return {-1, fd_, POLLOUT};
+            }
+            Close();
+        }
+        addresses_.reset();
+        LogWarn("cannot connect to %s: %s", Describe().c_str(), std::strerror(error_));
+        return {};
+    }
+
+    OpenResult GoOnConnecting() {
+        pollfd pfd{fd_, POLLOUT, 0};
+        if (poll(&pfd, 1, 0) == 0) {
+            if (MonotonicMs() < deadlineMs_) return {-1, fd_, POLLOUT};
+            error_ = ETIMEDOUT;
+        } else {
+            socklen_t len = sizeof error_;
+            if (getsockopt(fd_, SOL_SOCKET, SO_ERROR, &error_, &len) != 0) error_ = errno;
+            if (error_ == 0) return Connected();
+        }
+        Close();
+        return ConnectNext();
+    }
+
+    OpenResult Connected() {
+        connecting_ = false;
+        addresses_.reset();
+        const int one = 1;
+        setsockopt(fd_, IPPROTO_TCP, TCP_NODELAY, &one, sizeof one);
+        return {fd_};
+    }
+
     std::string host_;
     std::string port_;
     int fd_ = -1;
+    bool connecting_ = false;
+    std::unique_ptr<addrinfo, AddrInfoFree> addresses_;
+    const addrinfo *next_ = nullptr;  // the address to try after the current one
+    int error_ = 0;                   // of the last address tried
+    int64_t deadlineMs_ = 0;
 };
 
 }  // namespace

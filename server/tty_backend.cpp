@@ -38,17 +38,17 @@ class TtyBackend : public ModemBackend {
     TtyBackend(std::string path, unsigned baud) : path_(std::move(path)), baud_(baud) {}
     ~TtyBackend() override { Close(); }
 
-    int Open() override {
+    OpenResult Open() override {
         Close();
         speed_t speed = B115200;
         if (!SpeedOf(baud_, &speed)) {
-            Logf("unsupported baud rate %u", baud_);
-            return -1;
+            LogError("unsupported baud rate %u", baud_);
+            return {};
         }
         fd_ = open(path_.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
         if (fd_ == -1) {
-            Logf("cannot open %s: %s", path_.c_str(), std::strerror(errno));
-            return -1;
+            LogWarn("cannot open %s: %s", path_.c_str(), std::strerror(errno));
+            return {};
         }
         termios tio{};
         if (tcgetattr(fd_, &tio) == 0) {
@@ -57,11 +57,11 @@ class TtyBackend : public ModemBackend {
             cfsetispeed(&tio, speed);
             cfsetospeed(&tio, speed);
             if (tcsetattr(fd_, TCSANOW, &tio) != 0) {
-                Logf("cannot set raw mode on %s: %s", path_.c_str(), std::strerror(errno));
+                LogWarn("cannot set raw mode on %s: %s", path_.c_str(), std::strerror(errno));
             }
             tcflush(fd_, TCIOFLUSH);
         }
-        return fd_;
+        return {fd_};
     }
 
     void Close() override {

@@ -1,5 +1,6 @@
 // atcli: the library's exported functions from the command line.
 #include <cstdio>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -12,10 +13,12 @@ namespace {
 void PrintUsage(std::FILE *out) {
     std::fputs(
         "usage: atcli [-v] raw \"AT...\" [--prefix P] [--timeout SECONDS] [--json]\n"
+        "       atcli --help | --version\n"
         "  raw   send one command line through atserver; prints the result class\n"
         "        (\"OK (2)\", \"CME ERROR (3)\", ...) and the reply text\n"
         "  -v    show the library's log\n"
-        "exit status: 0 OK, 1 error reply or no reply, 2 atserver not running or usage\n",
+        "exit status: 0 OK, 1 error reply or no reply, 2 atserver not running,\n"
+        "             64 usage error\n",
         out);
 }
 
@@ -29,19 +32,18 @@ int main(int argc, char **argv) {
         args.erase(args.begin());
     }
     PlatformSetLogThreshold(verbose ? TRACE_LEVEL_DETAIL : 0);
-    if (args.empty()) {
-        PrintUsage(stderr);
-        return atcli::kExitNoServer;
-    }
+    if (args.empty()) return atcli::UsageError("missing command");
     const std::string_view command = args.front();
     if (command == "-h" || command == "--help") {
         PrintUsage(stdout);
         return atcli::kExitOk;
     }
+    if (command == "--version") {
+        std::printf("atcli %s\n", ATAPI_VERSION);
+        return atcli::kExitOk;
+    }
     if (command == "raw") {
         return atcli::RunRaw(static_cast<int>(args.size() - 1), args.data() + 1, verbose);
     }
-    std::fprintf(stderr, "atcli: unknown command \"%s\"\n", args.front());
-    PrintUsage(stderr);
-    return atcli::kExitNoServer;
+    return atcli::UsageError("unknown command: " + std::string(command));
 }

@@ -10,6 +10,11 @@
 
 namespace atcli {
 
+int UsageError(const std::string &what) {
+    std::fprintf(stderr, "atcli: %s (atcli --help lists the commands)\n", what.c_str());
+    return kExitUsage;
+}
+
 const char *ResultClassName(int32_t retVal) {
     switch (retVal) {
         case AT_RET_OK:

@@ -9,7 +9,11 @@ namespace atcli {
 // Exit codes.
 inline constexpr int kExitOk = 0;
 inline constexpr int kExitErrorReply = 1;
-inline constexpr int kExitNoServer = 2;  // also usage errors
+inline constexpr int kExitNoServer = 2;
+inline constexpr int kExitUsage = 64;  // EX_USAGE
+
+// Prints "atcli: <what>" and a pointer to --help to stderr; returns kExitUsage.
+int UsageError(const std::string &what);
 
 // "OK", "CME ERROR", ... for a reply's result class.
 const char *ResultClassName(int32_t retVal);

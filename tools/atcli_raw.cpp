@@ -28,23 +28,29 @@ bool ParseTimeout(const char *text, int32_t *out) {
     return true;
 }
 
-bool ParseRawArgs(int argc, char **argv, RawArgs *args) {
+// Empty when argv is good, else what is wrong with it.
+std::string ParseRawArgs(int argc, char **argv, RawArgs *args) {
     for (int i = 0; i < argc; ++i) {
-        const std::string_view opt = argv[i];
-        const bool hasValue = i + 1 < argc;
+        const std::string opt = argv[i];
+        if ((opt == "--prefix" || opt == "--timeout") && i + 1 == argc) {
+            return "raw: missing value for " + opt;
+        }
         if (opt == "--json") {
             args->json = true;
-        } else if (opt == "--prefix" && hasValue) {
+        } else if (opt == "--prefix") {
             args->prefix = argv[++i];
-        } else if (opt == "--timeout" && hasValue) {
-            if (!ParseTimeout(argv[++i], &args->timeoutSec)) return false;
+        } else if (opt == "--timeout") {
+            if (!ParseTimeout(argv[++i], &args->timeoutSec)) {
+                return "raw: bad value for --timeout: " + std::string(argv[i]);
+            }
         } else if (args->command == nullptr && !opt.starts_with("--")) {
             args->command = argv[i];
         } else {
-            return false;
+            return (opt.starts_with("--") ? "raw: unknown option: " : "raw: a second command: ") +
+                   opt;
         }
     }
-    return args->command != nullptr;
+    return args->command == nullptr ? "raw: missing the command line" : "";
 }
 
 void PrintReply(const RawArgs &args, const AtSrvMsg &msg) {
@@ -65,10 +71,8 @@ void PrintReply(const RawArgs &args, const AtSrvMsg &msg) {
 
 int RunRaw(int argc, char **argv, bool verbose) {
     RawArgs args;
-    if (!ParseRawArgs(argc, argv, &args)) {
-        std::fprintf(stderr,
-                     "usage: atcli raw \"AT...\" [--prefix P] [--timeout SECONDS] [--json]\n");
-        return kExitNoServer;
+    if (const std::string error = ParseRawArgs(argc, argv, &args); !error.empty()) {
+        return UsageError(error);
     }
     if (!ServerIsRunning()) return kExitNoServer;
     AtSrvMsg msg;

@@ -47,28 +47,9 @@ constexpr char kScenarioRules[] =
     "  urc 07911326040000F0040B911346610089F60000208062917314080CC8F71D14969741F977FD07\n"
     "  line +E2ESMS: 2\n";
 
-std::string ReadFile(const std::string &path) {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream all;
-    all << in.rdbuf();
-    return all.str();
-}
-
-bool FileExists(const std::string &path) { return access(path.c_str(), F_OK) == 0; }
-
 bool QueueExists(int projId) {
     const key_t key = ftok(QueueKeyDir(), projId);
     return key != -1 && msgget(key, 0) != -1;
-}
-
-// Polls done() until it holds or the time is up.
-bool WaitUntil(const std::function<bool()> &done, std::chrono::seconds limit) {
-    const auto deadline = Clock::now() + limit;
-    while (!done()) {
-        if (Clock::now() >= deadline) return false;
-        std::this_thread::sleep_for(kPollStep);
-    }
-    return true;
 }
 
 std::string FromEnvironment(const char *name, const char *fallback) {
@@ -117,6 +98,24 @@ pid_t Spawn(std::vector<std::string> argv, const std::string &outPath, const std
 int ExitCode(int status) { return WIFEXITED(status) ? WEXITSTATUS(status) : -1; }
 
 }  // namespace
+
+std::string ReadFile(const std::string &path) {
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream all;
+    all << in.rdbuf();
+    return all.str();
+}
+
+bool FileExists(const std::string &path) { return access(path.c_str(), F_OK) == 0; }
+
+bool WaitUntil(const std::function<bool()> &done, std::chrono::milliseconds limit) {
+    const auto deadline = Clock::now() + limit;
+    while (!done()) {
+        if (Clock::now() >= deadline) return false;
+        std::this_thread::sleep_for(kPollStep);
+    }
+    return true;
+}
 
 const std::string &ServerProgram() {
     static const std::string program = FromEnvironment("ATAPI_E2E_ATSERVER", ATSERVER_PATH);
@@ -178,11 +177,10 @@ AtServerProcess::~AtServerProcess() {
 
 void AtServerProcess::Start(const std::string &scenario,
                             const std::vector<std::string> &extraArgs) {
-    std::vector<std::string> argv{ServerProgram(), "--sim",    scenario,     "--atsim",
-                                  SimProgram(),    "--report", ReportPath(), "-v"};
-    argv.insert(argv.end(), extraArgs.begin(), extraArgs.end());
-    pid_ = Spawn(argv, runtime_.Path("/atserver.out"), runtime_.Path("/atserver.log"));
-    ASSERT_NE(pid_, -1) << "cannot start " << ServerProgram();
+    std::vector<std::string> args{"--sim",    scenario,     "--atsim", SimProgram(),
+                                  "--report", ReportPath(), "-v"};
+    args.insert(args.end(), extraArgs.begin(), extraArgs.end());
+    ASSERT_NO_FATAL_FAILURE(Launch(args));
     // Peeks at an early end without reaping: the destructor still owns the child.
     const auto ended = [this] {
         siginfo_t info{};
@@ -192,9 +190,16 @@ void AtServerProcess::Start(const std::string &scenario,
     ASSERT_TRUE(FileExists(ReadyFlagPath())) << "atserver not ready:\n" << Log();
 }
 
-int AtServerProcess::Stop() {
+void AtServerProcess::Launch(const std::vector<std::string> &args) {
+    std::vector<std::string> argv{ServerProgram()};
+    argv.insert(argv.end(), args.begin(), args.end());
+    pid_ = Spawn(argv, runtime_.Path("/atserver.out"), runtime_.Path("/atserver.log"));
+    ASSERT_NE(pid_, -1) << "cannot start " << ServerProgram();
+}
+
+int AtServerProcess::Stop(int signo) {
     if (pid_ <= 0) return -1;
-    kill(pid_, SIGTERM);
+    kill(pid_, signo);
     int status = 0;
     const pid_t pid = std::exchange(pid_, -1);
     if (WaitUntil([&] { return waitpid(pid, &status, WNOHANG) == pid; },

@@ -3,9 +3,12 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <signal.h>
 #include <sys/types.h>
 
+#include <chrono>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -41,6 +44,11 @@ struct ProcessResult {
 };
 ProcessResult RunProcess(const std::vector<std::string> &argv, const std::string &dir);
 
+std::string ReadFile(const std::string &path);
+bool FileExists(const std::string &path);
+// Polls done() every few milliseconds until it holds or the time is up.
+bool WaitUntil(const std::function<bool()> &done, std::chrono::milliseconds limit);
+
 // atserver --sim as a child, its stderr in <root>/atserver.log and the
 // unsolicited lines it recognised in <root>/report.txt.
 class AtServerProcess {
@@ -53,8 +61,10 @@ class AtServerProcess {
     // Starts atserver and waits (bounded) for its ready flag; fails the test
     // when it does not come.
     void Start(const std::string &scenario, const std::vector<std::string> &extraArgs);
-    // SIGTERM and a bounded wait; the exit status (-1 when it did not exit).
-    int Stop();
+    // Starts atserver with args alone and does not wait.
+    void Launch(const std::vector<std::string> &args);
+    // The signal and a bounded wait; the exit status (-1 when it did not exit).
+    int Stop(int signo = SIGTERM);
 
     pid_t Pid() const { return pid_; }
     bool Alive() const;

@@ -23,8 +23,8 @@ TEST_F(E2eTest, Atcli_RawPrintsClassAndText) {
          0,
          std::string("{\"command\":\"AT+CGMI\",\"class\":\"OK\",\"retVal\":2,\"text\":\"") +
              kManufacturer + "\"}\n"},
-        {{"raw"}, 2, ""},
-        {{"nosuchsubcommand"}, 2, ""},
+        {{"raw"}, 64, ""},
+        {{"nosuchsubcommand"}, 64, ""},
     };
     for (const Case &c : cases) {
         std::vector<std::string> argv{CliProgram()};

@@ -1,0 +1,188 @@
+// atserver as a service: the signals it takes, its log, its reports to a
+// service manager, and stops that leave nothing behind whatever atsim is doing.
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "atapi/at_types.h"
+#include "e2e_fixture.h"
+#include "link/ats_paths.h"
+
+namespace atapi::e2e {
+namespace {
+
+using std::chrono::milliseconds;
+
+const std::string kDefaultScenario = std::string(ATSIM_SCENARIO_DIR) + "/default.scn";
+
+std::string PidFile() { return std::string(PidFileDir()) + kServerTaskName + ".pid"; }
+
+bool RunsThroughLauncher() {
+    const char *peer = std::getenv("ATAPI_E2E_LAUNCHER");
+    return *ATAPI_TARGET_LAUNCHER != '\0' || (peer != nullptr && *peer != '\0');
+}
+
+// The datagram socket a service manager names in NOTIFY_SOCKET: a path, or
+// an abstract name written with a leading '@'.
+class NotifySocket {
+  public:
+    explicit NotifySocket(const std::string &name) : name_(name) {
+        sockaddr_un addr{};
+        addr.sun_family = AF_UNIX;
+        if (name.size() >= sizeof addr.sun_path) return;
+        std::memcpy(addr.sun_path, name.data(), name.size());
+        if (name[0] == '@') addr.sun_path[0] = '\0';
+        const auto len = static_cast<socklen_t>(sizeof addr.sun_family + name.size());
+        fd_ = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+        bound_ = fd_ != -1 && bind(fd_, reinterpret_cast<const sockaddr *>(&addr), len) == 0;
+    }
+    ~NotifySocket() {
+        if (fd_ != -1) close(fd_);
+        if (name_[0] == '/') unlink(name_.c_str());
+    }
+    bool Bound() const { return bound_; }
+    // The next datagram, or "" when none comes within the limit.
+    std::string Receive() const {
+        char buf[256];
+        ssize_t got = -1;
+        WaitUntil([&] { return (got = recv(fd_, buf, sizeof buf, MSG_DONTWAIT)) >= 0; },
+                  milliseconds(5000));
+        return got > 0 ? std::string(buf, static_cast<size_t>(got)) : "";
+    }
+
+  private:
+    std::string name_;
+    int fd_ = -1;
+    bool bound_ = false;
+};
+
+TEST(ServiceManager, ReadyAndStoppingReachTheNotifySocket) {
+    const std::string abstractName = "@atapi-e2e-notify-" + std::to_string(getpid());
+    for (const bool abstract : {true, false}) {
+        test::IsolatedRuntime runtime;
+        const std::string name = abstract ? abstractName : runtime.Path("/notify.sock");
+        SCOPED_TRACE(name);
+        NotifySocket socket(name);
+        ASSERT_TRUE(socket.Bound()) << std::strerror(errno);
+        setenv("NOTIFY_SOCKET", name.c_str(), 1);
+        AtServerProcess server(runtime);
+        server.Start(kDefaultScenario, {});
+        unsetenv("NOTIFY_SOCKET");
+        EXPECT_EQ(socket.Receive(), "READY=1") << server.Log();
+        EXPECT_EQ(server.Stop(), 0);
+        EXPECT_EQ(socket.Receive(), "STOPPING=1") << server.Log();
+        ExpectNothingLeft();
+    }
+}
+
+TEST(AtserverStop, StopSignalsRemoveEveryFileAndSayWhy) {
+    for (const auto &[signo, name] : {std::pair{SIGTERM, "SIGTERM"}, std::pair{SIGINT, "SIGINT"}}) {
+        SCOPED_TRACE(name);
+        test::IsolatedRuntime runtime;
+        AtServerProcess server(runtime);
+        server.Start(kDefaultScenario, {});
+        EXPECT_EQ(server.Stop(signo), 0);
+        ExpectNothingLeft();
+        EXPECT_NE(server.Log().find(std::string("stopped (") + name + ")"), std::string::npos)
+            << server.Log();
+    }
+}
+
+// A killed server leaves its files; the next start clears them and serves.
+TEST(AtserverStop, StartAfterAKillClearsWhatTheKilledServerLeft) {
+    test::IsolatedRuntime runtime;
+    AtServerProcess killed(runtime);
+    killed.Start(kDefaultScenario, {});
+    EXPECT_EQ(killed.Stop(SIGKILL), -1);
+    ASSERT_TRUE(FileExists(PidFile()));
+    ASSERT_TRUE(FileExists(ReadyFlagPath()));
+
+    AtServerProcess next(runtime);
+    next.Start(kDefaultScenario, {});  // passes on the stale flag at once
+    ASSERT_TRUE(next.WaitForLog("ready after")) << next.Log();
+    EXPECT_EQ(Send("AT").retVal, AT_RET_OK) << next.Log();
+    EXPECT_NE(next.Log().find("left by an earlier run"), std::string::npos) << next.Log();
+    EXPECT_EQ(next.Stop(), 0);
+    ExpectNothingLeft();
+}
+
+// An atsim that never names its pseudo-terminal: atserver must not wait on
+// it, and one that ignores SIGTERM is killed after a moment.
+TEST(AtserverStop, StopsAtOnceWhileAtsimIsStillStarting) {
+    if (RunsThroughLauncher()) GTEST_SKIP() << "the stand-in atsim is a shell script";
+    struct Stall {
+        const char *prelude;
+        const char *logged;  // by the stop
+    };
+    const Stall stalls[] = {
+        {"", "killed by signal 15"},
+        {"trap '' TERM\n", "ignored SIGTERM; killing it"},
+    };
+    for (const Stall &stall : stalls) {
+        SCOPED_TRACE(stall.logged);
+        test::IsolatedRuntime runtime;
+        const std::string atsim = runtime.Path("/stalling-atsim");
+        std::ofstream(atsim) << "#!/bin/sh\n"
+                             << stall.prelude << ": > \"$0.started\"\nexec sleep 30\n";
+        ASSERT_EQ(chmod(atsim.c_str(), 0755), 0);
+        AtServerProcess server(runtime);
+        server.Launch({"--sim", "--atsim", atsim, "--ready-timeout", "60"});
+        ASSERT_TRUE(
+            WaitUntil([&] { return FileExists(PidFile()) && FileExists(atsim + ".started"); },
+                      milliseconds(5000)))
+            << server.Log();
+        const auto start = std::chrono::steady_clock::now();
+        EXPECT_EQ(server.Stop(), 0);
+        EXPECT_LT(std::chrono::steady_clock::now() - start, milliseconds(1500));
+        ExpectNothingLeft();
+        const std::string log = server.Log();
+        EXPECT_NE(log.find("stopped (SIGTERM)"), std::string::npos) << log;
+        EXPECT_NE(log.find(stall.logged), std::string::npos) << log;
+    }
+}
+
+// Logging to a file at level info.
+class LogFileTest : public E2eTest {
+  protected:
+    std::vector<std::string> ServerArgs() const override {
+        return {"--log", LogPath(), "--log-level", "info"};
+    }
+    std::string LogPath() const { return runtime_->Path("/service.log"); }
+};
+
+TEST_F(LogFileTest, HupReopensTheLogAndPipeIsIgnored) {
+    const std::string rotated = LogPath() + ".1";
+    ASSERT_EQ(std::rename(LogPath().c_str(), rotated.c_str()), 0);
+    ASSERT_EQ(kill(server_->Pid(), SIGHUP), 0);
+    ASSERT_TRUE(WaitUntil(
+        [&] { return ReadFile(LogPath()).find("info: SIGHUP from pid") != std::string::npos; },
+        milliseconds(5000)));
+    ASSERT_EQ(kill(server_->Pid(), SIGPIPE), 0);
+    EXPECT_EQ(Send("AT+CGMI").text, kManufacturer);
+    EXPECT_TRUE(server_->Alive());
+
+    EXPECT_NE(ReadFile(rotated).find("info: ready after"), std::string::npos);
+    const std::string log = ReadFile(LogPath());
+    ASSERT_FALSE(log.empty());
+    EXPECT_EQ(log.back(), '\n');
+    // Per-command lines are debug.
+    EXPECT_EQ(log.find("served \"AT+CGMI\""), std::string::npos) << log;
+    std::istringstream lines(log);
+    const std::string tag = "atserver[" + std::to_string(server_->Pid()) + "] ";
+    for (std::string line; std::getline(lines, line);) {
+        EXPECT_NE(line.find(tag + "info: "), std::string::npos) << line;
+    }
+}
+
+}  // namespace
+}  // namespace atapi::e2e

@@ -5,6 +5,7 @@
 
 #include "atcli_common.h"
 #include "atcli_raw.h"
+#include "atcli_subcommands.h"
 #include "platform/trace.h"
 
 namespace {
@@ -17,6 +18,7 @@ void PrintUsage(std::FILE *out) {
         "  -v    show the library's log\n"
         "exit status: 0 OK, 1 error reply or no reply, 2 atserver not running or usage\n",
         out);
+    atcli::PrintSubCommandUsage(out);
 }
 
 }  // namespace
@@ -40,6 +42,9 @@ int main(int argc, char **argv) {
     }
     if (command == "raw") {
         return atcli::RunRaw(static_cast<int>(args.size() - 1), args.data() + 1, verbose);
+    }
+    if (const atcli::SubCommand *sub = atcli::FindSubCommand(command)) {
+        return atcli::RunSubCommand(*sub, static_cast<int>(args.size() - 1), args.data() + 1);
     }
     std::fprintf(stderr, "atcli: unknown command \"%s\"\n", args.front());
     PrintUsage(stderr);

@@ -31,16 +31,16 @@ bool ParseArgs(const Action &action, int argc, char **argv, Args *args) {
         } else if (word.starts_with("--") && Listed(action.flags, word)) {
             args->flags.push_back(word);
         } else if (word.starts_with("--") && Listed(action.options, word)) {
-            if (i + 1 >= argc) return UsageError(std::string(word) + " needs a value"), false;
+            if (i + 1 >= argc) return Refuse(std::string(word) + " needs a value");
             args->options.emplace_back(word, argv[++i]);
         } else if (word.starts_with("--")) {
-            return UsageError("unknown option " + std::string(word)), false;
+            return Refuse("unknown option " + std::string(word));
         } else {
             args->positional.push_back(argv[i]);
         }
     }
     if (args->positional.size() < action.minArgs || args->positional.size() > action.maxArgs) {
-        return UsageError("wrong number of arguments"), false;
+        return Refuse("wrong number of arguments");
     }
     return true;
 }
@@ -77,8 +77,7 @@ int DispatchAction(std::string_view subCommand, std::span<const Action> actions,
     }
     const Action *action = FindAction(actions, name);
     if (action == nullptr) {
-        UsageError(name.empty() ? "missing action"
-                                : "unknown action \"" + std::string(name) + "\"");
+        Refuse(name.empty() ? "missing action" : "unknown action \"" + std::string(name) + "\"");
         PrintActionUsage(stderr, subCommand, actions);
         return kExitUsage;
     }
@@ -178,8 +177,13 @@ bool ParseNumber(const char *text, uint32_t max, uint32_t *out) {
     return true;
 }
 
-int UsageError(const std::string &what) {
+bool Refuse(const std::string &what) {
     std::fprintf(stderr, "atcli: %s\n", what.c_str());
+    return false;
+}
+
+int UsageError(const std::string &what) {
+    Refuse(what);
     return kExitUsage;
 }
 

@@ -117,7 +117,10 @@ bool IsQuotable(std::string_view text);
 // A decimal number in [0, max]; false for anything else.
 bool ParseNumber(const char *text, uint32_t max, uint32_t *out);
 
-// Prints "atcli: <what>" to stderr and returns kExitUsage.
+// Prints "atcli: <what>" to stderr and returns false, for the checks that
+// refuse a command line.
+bool Refuse(const std::string &what);
+// As Refuse, for an action: returns kExitUsage.
 int UsageError(const std::string &what);
 
 }  // namespace atcli

@@ -33,9 +33,8 @@ const char *StateName(uint32_t stat) {
 
 bool CidArgument(const Args &args, uint32_t *cid) {
     *cid = kDefaultCid;
-    if (args.positional.empty() || ParseNumber(args.positional[0], kMaxCid, cid)) return true;
-    UsageError("a cid is a number from 0 to " + std::to_string(kMaxCid));
-    return false;
+    return args.positional.empty() || ParseNumber(args.positional[0], kMaxCid, cid) ||
+           Refuse("a cid is a number from 0 to " + std::to_string(kMaxCid));
 }
 
 // The profile of "dial up": the APN when given, the user name with its
@@ -45,26 +44,23 @@ bool FillProfile(const Args &args, NdisDupProfile &profile) {
     if (const char *auth = args.Option("--auth")) {
         const auto *it = std::find_if(std::begin(kAuthNames), std::end(kAuthNames),
                                       [auth](const AuthName &a) { return a.name == auth; });
-        if (it == std::end(kAuthNames)) return UsageError("--auth takes none, pap or chap"), false;
+        if (it == std::end(kAuthNames)) return Refuse("--auth takes none, pap or chap");
         profile.authType = it->code;
     }
     if (const char *apn = args.Option("--apn")) {
         if (!IsQuotable(apn) || !CopyField(profile.apn, apn)) {
-            return UsageError("APN: at most 99 characters, no '\"'"), false;
+            return Refuse("APN: at most 99 characters, no '\"'");
         }
         profile.apnIsStatic = 1;
     }
     if (const char *user = args.Option("--user")) {
         if (!IsQuotable(user) || !CopyField(profile.username, user)) {
-            return UsageError("user name: at most 127 characters, no '\"'"), false;
+            return Refuse("user name: at most 127 characters, no '\"'");
         }
         Secret<kPasswordCapacity> password;
         if (!ReadSecretLine("password", &password) || !IsQuotable(password.Get()) ||
             !CopyField(profile.passwd, password.Get())) {
-            return UsageError(
-                       "password expected on standard input: at most 127 characters, "
-                       "no '\"'"),
-                   false;
+            return Refuse("password expected on standard input: at most 127 characters, no '\"'");
         }
     }
     return true;

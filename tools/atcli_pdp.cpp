@@ -57,9 +57,8 @@ int List(const Args &args) {
 }
 
 bool ParseCid(const char *text, uint32_t *cid) {
-    if (ParseNumber(text, kMaxCid, cid)) return true;
-    UsageError(std::string("a cid is a number from 0 to ") + std::to_string(kMaxCid));
-    return false;
+    return ParseNumber(text, kMaxCid, cid) ||
+           Refuse("a cid is a number from 0 to " + std::to_string(kMaxCid));
 }
 
 // Sends the definition in context; prints what was done.

@@ -21,11 +21,8 @@ using Pin = Secret<kPinCapacity>;
 
 // Reads a PIN or PUK; false, with the reason (never the text) on stderr.
 bool ReadPin(const char *name, Pin *pin) {
-    if (!ReadSecretLine(name, pin) || !IsPinText(pin->Get())) {
-        UsageError(std::string(name) + " expected on standard input: 4 to 8 digits");
-        return false;
-    }
-    return true;
+    return (ReadSecretLine(name, pin) && IsPinText(pin->Get())) ||
+           Refuse(std::string(name) + " expected on standard input: 4 to 8 digits");
 }
 
 int State(const Args &args) {

@@ -37,8 +37,9 @@ bool CidArgument(const Args &args, uint32_t *cid) {
            Refuse("a cid is a number from 0 to " + std::to_string(kMaxCid));
 }
 
-// The profile of "dial up": the APN when given, the user name with its
-// password from stdin, the authentication type. False after a usage error.
+// The dial-up profile from the options: the APN when given, the user name
+// with its password from stdin, the authentication type (none by default).
+// False after a usage error.
 bool FillProfile(const Args &args, NdisDupProfile &profile) {
     profile.authType = kAuthNames[0].code;
     if (const char *auth = args.Option("--auth")) {
@@ -70,8 +71,7 @@ int Connect(const Args &args, int32_t connect, const char *what) {
     uint32_t cid = 0;
     if (!CidArgument(args, &cid)) return kExitUsage;
     WipedRecord<NdisDupProfile> profile;
-    if (connect == 1 && !FillProfile(args, profile.Get())) return kExitUsage;
-    if (connect == 0) profile.Get().authType = kAuthNames[0].code;
+    if (!FillProfile(args, profile.Get())) return kExitUsage;
     const CallCheck check(what, AT_DEFAULT_TIMEOUT_SEC, &profile.Get().errorId);
     const int exitCode = check.Exit(AtNdisDup(static_cast<int32_t>(cid), connect, &profile.Get()));
     if (exitCode == kExitOk) {

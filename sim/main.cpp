@@ -2,8 +2,9 @@
 //   atsim [--no-urc] [--urc-interval-ms N] [--verbose] [--fail PATTERN=RESULT]... [SCENARIO]
 // (kUsage below says more; usage errors exit 64, scenario errors 2).
 // --fail answers the commands that match PATTERN with the final result RESULT
-// ("ERROR", "NO CARRIER", "+CME ERROR: 10", "+CMS ERROR: 310", ...) ahead of
-// every scenario rule, to try a client's error paths.
+// ("ERROR", "NO CARRIER", "+CME ERROR: 10", "+CMS ERROR: 310", ...), or with
+// nothing at all for "silent", ahead of every scenario rule, to try a
+// client's error paths and timeouts.
 // Prints the slave path as its first line of output, then serves until
 // SIGTERM/SIGINT, a hang-up rule, or the death of its parent.
 #include <limits.h>

@@ -20,6 +20,8 @@ constexpr std::size_t kMaxIncludeDepth = 16;
 constexpr std::array<std::string_view, 7> kPlainResults = {
     "OK", "ERROR", "NO CARRIER", "BUSY", "NO ANSWER", "NO DIALTONE", "CONNECT"};
 constexpr std::array<std::string_view, 2> kCodedResults = {"+CME ERROR: ", "+CMS ERROR: "};
+// The RESULT of a fail rule that answers nothing at all.
+constexpr std::string_view kNoReply = "silent";
 
 std::string_view Trim(std::string_view text) {
     const auto first = text.find_first_not_of(" \t\r");
@@ -391,18 +393,20 @@ bool AddFailRule(const std::string &spec, Scenario *scenario, std::string *error
     const std::string_view result = equals == std::string::npos
                                         ? std::string_view{}
                                         : Trim(std::string_view(spec).substr(equals + 1));
-    if (equals == 0 || !IsFinalResult(result)) {
-        *error = "--fail " + spec + ": expected PATTERN=RESULT with a final result";
+    const bool silent = result == kNoReply;
+    if (equals == 0 || (!silent && !IsFinalResult(result))) {
+        *error = "--fail " + spec + ": expected PATTERN=RESULT with a final result or " +
+                 std::string(kNoReply);
         return false;
     }
     Rule rule;
     rule.where = {"--fail", 0};
     rule.pattern = spec.substr(0, equals);
-    Step final;
-    final.kind = StepKind::kFinal;
-    final.text.pieces.push_back({Piece::Kind::kLiteral, std::string(result), 0, 0, 0});
-    final.where = rule.where;
-    rule.steps.push_back(std::move(final));
+    Step step;
+    step.kind = silent ? StepKind::kSilent : StepKind::kFinal;
+    if (!silent) step.text.pieces.push_back({Piece::Kind::kLiteral, std::string(result), 0, 0, 0});
+    step.where = rule.where;
+    rule.steps.push_back(std::move(step));
     scenario->rules.insert(scenario->rules.begin(), std::move(rule));
     return true;
 }

@@ -90,8 +90,8 @@ bool LoadScenario(const std::string &path, const FileReader &reader, Scenario *o
 
 // Puts a rule "PATTERN=RESULT" in front of every rule of the scenario: the
 // commands that match PATTERN are answered with the final result RESULT
-// (e.g. "AT+CGDCONT?=+CME ERROR: 10"). False, with the reason in error,
-// when RESULT is not a final result.
+// (e.g. "AT+CGDCONT?=+CME ERROR: 10"), or not at all when RESULT is "silent".
+// False, with the reason in error, for any other RESULT.
 bool AddFailRule(const std::string &spec, Scenario *scenario, std::string *error);
 
 }  // namespace atsim

@@ -6,6 +6,7 @@
 
 #include "atcli_common.h"
 #include "atcli_raw.h"
+#include "atcli_subcommands.h"
 #include "platform/trace.h"
 
 namespace {
@@ -20,6 +21,7 @@ void PrintUsage(std::FILE *out) {
         "exit status: 0 OK, 1 error reply or no reply, 2 atserver not running,\n"
         "             64 usage error\n",
         out);
+    atcli::PrintSubCommandUsage(out);
 }
 
 }  // namespace
@@ -44,6 +46,9 @@ int main(int argc, char **argv) {
     }
     if (command == "raw") {
         return atcli::RunRaw(static_cast<int>(args.size() - 1), args.data() + 1, verbose);
+    }
+    if (const atcli::SubCommand *sub = atcli::FindSubCommand(command)) {
+        return atcli::RunSubCommand(*sub, static_cast<int>(args.size() - 1), args.data() + 1);
     }
     return atcli::UsageError("unknown command: " + std::string(command));
 }

@@ -69,8 +69,10 @@ const std::string &ServerLauncher() {
 }
 
 // posix_spawnp of argv (through the program's launcher, if any) with stdout
-// and stderr sent to files; -1 on failure.
-pid_t Spawn(std::vector<std::string> argv, const std::string &outPath, const std::string &errPath) {
+// and stderr sent to files, and stdin read from one when inPath is given; -1
+// on failure.
+pid_t Spawn(std::vector<std::string> argv, const std::string &outPath, const std::string &errPath,
+            const std::string &inPath = "") {
     const bool server = argv[0] == ServerProgram() || argv[0] == SimProgram();
     const std::string &launcher = server ? ServerLauncher() : OwnLauncher();
     if (!launcher.empty()) {
@@ -89,6 +91,9 @@ pid_t Spawn(std::vector<std::string> argv, const std::string &outPath, const std
                                      O_WRONLY | O_CREAT | O_TRUNC, 0644);
     posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, errPath.c_str(),
                                      O_WRONLY | O_CREAT | O_TRUNC, 0644);
+    if (!inPath.empty()) {
+        posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, inPath.c_str(), O_RDONLY, 0);
+    }
     pid_t pid = -1;
     const int error = posix_spawnp(&pid, args[0], &actions, nullptr, args.data(), environ);
     posix_spawn_file_actions_destroy(&actions);
@@ -149,9 +154,12 @@ Exchange Send(const std::string &cmd, int32_t timeoutSec, const char *prefix) {
     return result;
 }
 
-ProcessResult RunProcess(const std::vector<std::string> &argv, const std::string &dir) {
+ProcessResult RunProcess(const std::vector<std::string> &argv, const std::string &dir,
+                         const std::string &input) {
     ProcessResult result;
-    const pid_t pid = Spawn(argv, dir + "/process.out", dir + "/process.err");
+    const std::string inPath = dir + "/process.in";
+    std::ofstream(inPath, std::ios::binary | std::ios::trunc) << input;
+    const pid_t pid = Spawn(argv, dir + "/process.out", dir + "/process.err", inPath);
     if (pid == -1) {
         ADD_FAILURE() << "cannot start " << argv.front();
         return result;

@@ -35,14 +35,16 @@ const std::string &ServerProgram();
 const std::string &SimProgram();
 const std::string &CliProgram();
 
-// Runs argv to its end with stdout and stderr captured through files in dir;
-// exitCode is -1 when it did not exit normally.
+// Runs argv to its end with input as its stdin and stdout and stderr
+// captured, all through files in dir; exitCode is -1 when it did not exit
+// normally.
 struct ProcessResult {
     int exitCode = -1;
     std::string out;
     std::string err;
 };
-ProcessResult RunProcess(const std::vector<std::string> &argv, const std::string &dir);
+ProcessResult RunProcess(const std::vector<std::string> &argv, const std::string &dir,
+                         const std::string &input = "");
 
 std::string ReadFile(const std::string &path);
 bool FileExists(const std::string &path);

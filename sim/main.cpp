@@ -11,6 +11,7 @@
 #include <charconv>
 #include <csignal>
 #include <cstdio>
+#include <filesystem>
 #include <iostream>
 #include <random>
 #include <string>
@@ -29,8 +30,19 @@ constexpr char kUsage[] =
     "usage: atsim [--no-urc] [--urc-interval-ms N] [--verbose] [--fail PATTERN=RESULT]... "
     "[SCENARIO]";
 
+// The scenario used when none is named: the source tree's when atsim runs
+// from the build tree, else the installed one, found relative to the program
+// (<prefix>/share/atsim/scenarios/default.scn for <prefix>/bin/atsim).
+std::string DefaultScenarioPath() {
+    std::error_code error;
+    const std::filesystem::path dir =
+        std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
+    if (std::filesystem::equivalent(dir, ATSIM_BUILD_DIR, error)) return ATSIM_SOURCE_SCENARIO;
+    return (dir / ATSIM_INSTALLED_SCENARIO).lexically_normal().string();
+}
+
 struct Arguments {
-    std::string scenario = ATSIM_DEFAULT_SCENARIO;
+    std::string scenario = DefaultScenarioPath();
     std::vector<std::string> failRules;
     atsim::ModemOptions modem;
 };

@@ -4,13 +4,12 @@
 #include <stdio.h>
 
 int main(void) {
-    char manufacturer[64];
+    char maker[64];
     int32_t errCode = 0;
-    if (AtSendAndGetSingleStrRsp("AT+CGMI", NULL, manufacturer, sizeof manufacturer, &errCode) !=
-        0) {
+    if (AtSendAndGetSingleStrRsp("AT+CGMI", NULL, maker, sizeof maker, &errCode) != 0) {
         fprintf(stderr, "AT+CGMI failed (error id %d)\n", (int)errCode);
         return 1;
     }
-    printf("%s\n", manufacturer);
+    printf("%s\n", maker);
     return 0;
 }

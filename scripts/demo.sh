@@ -6,7 +6,8 @@ cd "$(dirname "$0")/.."
 
 scripts/install-deps.sh
 cmake --preset default >/dev/null
-cmake --build --preset default --target atserver atsim atcli
+# The library too, so that `cmake --install build/default` works after the demo.
+cmake --build --preset default --target atapi atserver atsim atcli
 
 bin=build/default
 root=$(mktemp -d /tmp/atapi-demo.XXXXXX)

@@ -1,12 +1,14 @@
 #!/usr/bin/env bash
 # Installs what building and testing atapi needs on a Debian machine: the
-# native toolchain and test libraries, and the armhf cross toolchain with the
-# armhf multiarch test libraries and runtimes that qemu-arm runs the
-# cross-built tests with.
+# native toolchain and test libraries, systemd-analyze and groff for the
+# checks of the systemd unit and the manual pages, and the armhf cross
+# toolchain with the armhf multiarch test libraries and runtimes that qemu-arm
+# runs the cross-built tests with.
 set -euo pipefail
 
 packages=(g++ cmake ninja-build pkg-config libgtest-dev libgmock-dev libbenchmark-dev
           clang libclang-rt-14-dev clang-format procps util-linux passwd
+          systemd groff-base
           g++-arm-linux-gnueabihf qemu-user libc6:armhf libstdc++6:armhf
           libgtest-dev:armhf libgmock-dev:armhf)
 

@@ -16,6 +16,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <iostream>
 #include <random>
 #include <string>
@@ -35,8 +36,8 @@ constexpr char kUsage[] =
     "usage: atsim [--no-urc] [--urc-interval-ms N] [--verbose] [--fail PATTERN=RESULT]... "
     "[SCENARIO]\n"
     "       atsim --help | --version\n"
-    "  SCENARIO               the scenario file (default " ATSIM_DEFAULT_SCENARIO
-    ")\n"
+    "  SCENARIO               the scenario file (default: default.scn of the\n"
+    "                         installed scenarios, share/atsim/scenarios)\n"
     "  --no-urc               no periodic unsolicited lines\n"
     "  --urc-interval-ms N    period of the unsolicited lines\n"
     "  --verbose              log every line to stderr\n"
@@ -44,8 +45,19 @@ constexpr char kUsage[] =
     "Prints the pseudo-terminal's path as its first line, then serves on it until\n"
     "SIGTERM or SIGINT, a hang-up rule, or the end of the process that started it.\n";
 
+// The scenario used when none is named: the source tree's when atsim runs
+// from the build tree, else the installed one, found relative to the program
+// (<prefix>/share/atsim/scenarios/default.scn for <prefix>/bin/atsim).
+std::string DefaultScenarioPath() {
+    std::error_code error;
+    const std::filesystem::path dir =
+        std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
+    if (std::filesystem::equivalent(dir, ATSIM_BUILD_DIR, error)) return ATSIM_SOURCE_SCENARIO;
+    return (dir / ATSIM_INSTALLED_SCENARIO).lexically_normal().string();
+}
+
 struct Arguments {
-    std::string scenario = ATSIM_DEFAULT_SCENARIO;
+    std::string scenario = DefaultScenarioPath();
     std::vector<std::string> failRules;
     atsim::ModemOptions modem;
 };

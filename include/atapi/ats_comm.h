@@ -214,16 +214,21 @@ ATAPI_EXPORT int32_t AtCfunQuery(uint32_t *fun);
 ATAPI_EXPORT int32_t AtCiregExecute(SettingInfo *s);
 /** The IMS registration state (reg_info) into s->value. */
 ATAPI_EXPORT int32_t AtCiregCheck(SettingInfo *s);
-/** The dial-up state of the default connection (stat) into s->value. */
+/** The dial-up state (stat) into s->value; of a reply with a state per
+ *  address family, the last one. */
 ATAPI_EXPORT int32_t AtNetregCheck(SettingInfo *s);
 ATAPI_EXPORT int32_t AtChipTemp(ChipTempInfo *t);
 /** AT_COMM_SET reads channel a->channel, AT_COMM_TEST the channel range. */
 ATAPI_EXPORT int32_t AtAdcReadEx(uint32_t cmdType, AdcReadInfo *a);
-/** AT_COMM_QUERY or AT_COMM_SET. */
+/** AT_COMM_QUERY or AT_COMM_SET. The query reads the fields nw_mode and
+ *  ant_mode, which the ^ANTMODE reply does not name: it leaves both values
+ *  as they were (AtSingleAntMode reads the reply's values). */
 ATAPI_EXPORT int32_t AtAntMode(uint32_t cmdType, AntModeInfo *m);
 /** AT_COMM_QUERY or AT_COMM_SET (all four values). */
 ATAPI_EXPORT int32_t AtSingleAntMode(uint32_t cmdType, SingleAntModeInfo *m);
-/** AT_COMM_QUERY the temperature, AT_COMM_TEST its range. */
+/** AT_COMM_QUERY the temperature, AT_COMM_TEST its range. The range is read
+ *  as the field "CRYSTALtemp Range", which the ^XOTEMP reply does not name:
+ *  crystalTempRange keeps what it held. */
 ATAPI_EXPORT int32_t AtXoTemp(uint32_t cmdType, XoTempInfo *x);
 /** Sends h->id and h->action; the answer fills the rest of h. */
 ATAPI_EXPORT int32_t AtHs(HsInfo *h);

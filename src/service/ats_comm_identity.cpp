@@ -12,6 +12,7 @@
 namespace {
 
 using namespace atapi::api;
+using atapi::comm::kNonNegative;
 
 constexpr char kTraceSrc[] = "atapi/src/ats_comm";
 
@@ -28,7 +29,6 @@ constexpr CommandSpec kUiccAuth{.format = "AT^UICCAUTH=%d,%s,%s",
                                 .rspPrefix = "^UICCAUTH:",
                                 .parsePrefix = "^UICCAUTH",
                                 .moduleId = module::kNetwork};
-constexpr int64_t kNonNegative = 2147483647;
 constexpr auto kUiccAuthFields =
     FieldList(Field<&UiccAuthInfo::result>("result", 0, kNonNegative),
               Field<&UiccAuthInfo::res>("res"), Field<&UiccAuthInfo::ck>("ck"),

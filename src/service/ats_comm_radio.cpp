@@ -10,11 +10,10 @@
 namespace {
 
 using namespace atapi::api;
+using atapi::comm::kNonNegative;
 using atapi::comm::SendSet;
 
 constexpr char kTraceSrc[] = "atapi/src/ats_comm";
-
-constexpr int64_t kNonNegative = 2147483647;
 
 constexpr CommandSpec kCfunSet{.format = "AT+CFUN=%d", .rspPrefix = "+CFUN:"};
 constexpr CommandSpec kCfunQuery{.format = "AT+CFUN?",
@@ -29,37 +28,23 @@ struct SettingCommands {
     CommandSpec set;
     Fields<SettingInfo, 1> fields;
 };
-constexpr SettingCommands kCireg{{.format = "AT+CIREG?",
-                                  .rspPrefix = "+CIREG",
-                                  .parsePrefix = "+CIREG",
-                                  .moduleId = module::kNetwork},
-                                 {.format = "AT+CIREG=%d"},
-                                 FieldList(Field<&SettingInfo::value>("reg_info"))};
-constexpr SettingCommands kRrcVer{{.format = "AT^RRCVer?",
-                                   .rspPrefix = "^RRCVer",
-                                   .parsePrefix = "^RRCVer",
-                                   .moduleId = module::kSysCfg},
-                                  {.format = "AT^RRCVer=%d"},
-                                  FieldList(Field<&SettingInfo::value>("rrcver"))};
-constexpr SettingCommands kSetMode{{.format = "AT^SETMODE?",
-                                    .rspPrefix = "^SETMODE",
-                                    .parsePrefix = "^SETMODE",
-                                    .moduleId = module::kSysCfg},
-                                   {.format = "AT^SETMODE=%d"},
-                                   FieldList(Field<&SettingInfo::value>("work_mode"))};
-constexpr SettingCommands kShlock{{.format = "AT^SHLOCK?",
-                                   .rspPrefix = "^SHLOCK",
-                                   .parsePrefix = "^SHLOCK",
-                                   .moduleId = module::kSysCfg},
-                                  {.format = "AT^SHLOCK=%d"},
-                                  FieldList(Field<&SettingInfo::value>("State"))};
+consteval SettingCommands MakeSetting(const char *query, const char *set, const char *prefix,
+                                      int32_t moduleId, const char *field) {
+    return {{.format = query, .rspPrefix = prefix, .parsePrefix = prefix, .moduleId = moduleId},
+            {.format = set},
+            FieldList(Field<&SettingInfo::value>(field))};
+}
+constexpr SettingCommands kCireg =
+    MakeSetting("AT+CIREG?", "AT+CIREG=%d", "+CIREG", module::kNetwork, "reg_info");
+constexpr SettingCommands kRrcVer =
+    MakeSetting("AT^RRCVer?", "AT^RRCVer=%d", "^RRCVer", module::kSysCfg, "rrcver");
+constexpr SettingCommands kSetMode =
+    MakeSetting("AT^SETMODE?", "AT^SETMODE=%d", "^SETMODE", module::kSysCfg, "work_mode");
+constexpr SettingCommands kShlock =
+    MakeSetting("AT^SHLOCK?", "AT^SHLOCK=%d", "^SHLOCK", module::kSysCfg, "State");
 constexpr CommandSpec kShlockWithCode{.format = "AT^SHLOCK=%d,%s", .secrecy = Secrecy::kSecret};
-constexpr SettingCommands kOpenChannel{{.format = "AT^LOPCNL?",
-                                        .rspPrefix = "^LOPCNL",
-                                        .parsePrefix = "^LOPCNL",
-                                        .moduleId = module::kSysCfg},
-                                       {.format = "AT^LOPCNL=%d"},
-                                       FieldList(Field<&SettingInfo::value>("mode"))};
+constexpr SettingCommands kOpenChannel =
+    MakeSetting("AT^LOPCNL?", "AT^LOPCNL=%d", "^LOPCNL", module::kSysCfg, "mode");
 
 constexpr CommandSpec kNetreg{.format = "AT^NDISSTATQRY?",
                               .rspPrefix = "^NDISSTATQRY",

@@ -186,8 +186,8 @@ ATAPI_EXPORT int32_t AtCgmi(IdentityText *r);
 ATAPI_EXPORT int32_t AtCgmm(IdentityText *r);
 /** The authentication version: the text after "^AUTHVER:". */
 ATAPI_EXPORT int32_t AtAuthVer(IdentityText *r);
-/** The physical numbers (at most AT_PHYNUM_MAX_LINES); "input param error"
- *  for a null list. */
+/** The physical numbers (at most AT_PHYNUM_MAX_LINES); count is set once
+ *  every line was stored. */
 ATAPI_EXPORT int32_t AtQryPhyNum(PhyNumList *l);
 
 /* ---- Versions ------------------------------------------------------------- */

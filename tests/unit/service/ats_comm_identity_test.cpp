@@ -39,12 +39,14 @@ TEST(AtsCommIdentity, Texts) {
          TextIs("", AT_ERRID_OK)},
         {"authentication version", call(AtAuthVer),
          {Ok("AT^AUTHVER?", "^AUTHVER: 1").Prefix("^AUTHVER:")}, 0, TextIs(" 1", AT_ERRID_OK)},
-        {"+CME ERROR is mapped", call(AtImsi), {Fails("AT+CIMI", AT_RET_CME_ERROR, "+CME ERROR: 10")},
+        {"+CME ERROR is mapped", call(AtImsi),
+         {Fails("AT+CIMI", AT_RET_CME_ERROR, "+CME ERROR: 10")},
          -1, [](IdentityText &r) { r.errorId = 13; }},
         {"ERROR leaves the record", call(AtCgmm), {Fails("AT+CGMM", AT_RET_ERROR, "ERROR")}, -1},
     }, Filled<IdentityText>(kFill));
     RunCommandCases<ImeiShort>({
-        {"short IMEI", [](ImeiShort &r) { return AtCgsn(&r); }, {Ok("AT+CGSN", "865432010012347")}, 0,
+        {"short IMEI", [](ImeiShort &r) { return AtCgsn(&r); },
+         {Ok("AT+CGSN", "865432010012347")}, 0,
          [](ImeiShort &r) {
              r.valid = 1;
              SetText(r.imei, "865432010012347");
@@ -90,7 +92,8 @@ TEST(AtsCommIdentity, UiccAuth) {
     // clang-format off
     RunCommandCases<UiccAuthInfo>({
         {"result and texts", auth,
-         {Ok(line, "^UICCAUTH: 0,\"A1B2\",\"0011AA\",\"FFEE00\",\"\"").Prefix("^UICCAUTH:").Timeout(30)},
+         {Ok(line, "^UICCAUTH: 0,\"A1B2\",\"0011AA\",\"FFEE00\",\"\"")
+              .Prefix("^UICCAUTH:").Timeout(30)},
          0,
          [](UiccAuthInfo &a) {
              a.result = 0;

@@ -38,13 +38,15 @@ TEST(AtsCommRadio, Settings) {
     // clang-format off
     RunCommandCases<SettingInfo>({
         {"RRC version query", call(AtRrcVer, AT_COMM_QUERY),
-         {Ok("AT^RRCVer?", "^RRCVer: 15").Prefix("^RRCVer").Timeout(30)}, 0, Setting(15, AT_ERRID_OK)},
+         {Ok("AT^RRCVer?", "^RRCVer: 15").Prefix("^RRCVer").Timeout(30)}, 0,
+         Setting(15, AT_ERRID_OK)},
         {"RRC version set", call(AtRrcVer, AT_COMM_SET, 14), {Ok("AT^RRCVer=14").Prefix("")}, 0,
          Setting(14, AT_ERRID_OK)},
         {"work mode", call(AtSetMode, AT_COMM_QUERY), {Ok("AT^SETMODE?", "^SETMODE: 2")}, 0,
          Setting(2, AT_ERRID_OK)},
         {"work mode set refused keeps the class", call(AtSetMode, AT_COMM_SET, 1),
-         {Fails("AT^SETMODE=1", AT_RET_CME_ERROR, "+CME ERROR: 10")}, -1, Setting(1, AT_RET_CME_ERROR)},
+         {Fails("AT^SETMODE=1", AT_RET_CME_ERROR, "+CME ERROR: 10")}, -1,
+         Setting(1, AT_RET_CME_ERROR)},
         {"logical channel", call(AtOpenChannel, AT_COMM_QUERY), {Ok("AT^LOPCNL?", "^LOPCNL: 1")}, 0,
          Setting(1, AT_ERRID_OK)},
         {"logical channel set", call(AtOpenChannel, AT_COMM_SET, 3), {Ok("AT^LOPCNL=3")}, 0,
@@ -52,23 +54,33 @@ TEST(AtsCommRadio, Settings) {
         {"shell lock query", [](SettingInfo &s) { return AtShlock(AT_COMM_QUERY, "x", &s); },
          {Ok("AT^SHLOCK?", "^SHLOCK: 1").Prefix("^SHLOCK")}, 0, Setting(1, AT_ERRID_OK)},
         {"shell lock set", shlock(nullptr), {Ok("AT^SHLOCK=1")}, 0, Setting(1, AT_ERRID_OK)},
-        {"shell lock set with a code, unquoted", shlock("9876"), {Ok("AT^SHLOCK=1,9876").Prefix("")}, 0,
+        {"shell lock set with a code, unquoted", shlock("9876"),
+         {Ok("AT^SHLOCK=1,9876").Prefix("")}, 0,
          Setting(1, AT_ERRID_OK)},
         {"a code that does not fit", shlock(longCode.c_str()), {}, -1,
          Setting(1, static_cast<int32_t>(kUntouched))},
         {"IMS registration report", plain(AtCiregExecute, 2), {Ok("AT+CIREG=2").Prefix("")}, 0,
          Setting(2, AT_ERRID_OK)},
-        {"IMS registration state", plain(AtCiregCheck), {Ok("AT+CIREG?", "+CIREG: 2,1,0").Prefix("+CIREG")},
+        {"IMS registration state", plain(AtCiregCheck),
+         {Ok("AT+CIREG?", "+CIREG: 2,1,0").Prefix("+CIREG")},
          0, Setting(1, AT_ERRID_OK)},
         // Both families' values are named "stat": the last one stays.
         {"dial-up state", plain(AtNetregCheck),
-         {Ok("AT^NDISSTATQRY?", "^NDISSTATQRY: 0,,,\"IPV4\",1,,,\"IPV6\"").Prefix("^NDISSTATQRY")}, 0,
+         {Ok("AT^NDISSTATQRY?", "^NDISSTATQRY: 0,,,\"IPV4\",1,,,\"IPV6\"")
+              .Prefix("^NDISSTATQRY")}, 0,
          Setting(1, AT_ERRID_OK)},
         {"functionality level", plain(AtCfunEx, 4), {Ok("AT+CFUN=4").Prefix("+CFUN:")}, 0,
          Setting(4, AT_ERRID_OK)},
-        {"a query answered ERROR", call(AtRrcVer, AT_COMM_QUERY), {Fails("AT^RRCVer?", AT_RET_ERROR, "ERROR")},
+        {"a query answered ERROR", call(AtRrcVer, AT_COMM_QUERY),
+         {Fails("AT^RRCVer?", AT_RET_ERROR, "ERROR")},
          AT_RET_ERROR, Setting(0, AT_ERRID_UNMAPPED)},
-        {"unknown cmdType", call(AtSetMode, AT_COMM_TEST), {}, -1, Setting(0, static_cast<int32_t>(kUntouched))},
+        {"a query answered +CMS ERROR", call(AtSetMode, AT_COMM_QUERY),
+         {Fails("AT^SETMODE?", AT_RET_CMS_ERROR, "+CMS ERROR: 316")}, AT_RET_CMS_ERROR,
+         Setting(0, 12)},
+        {"an aborted set", call(AtOpenChannel, AT_COMM_SET, 1),
+         {Fails("AT^LOPCNL=1", AT_RET_ABORTED, "AT_ABORTED")}, -1, Setting(1, AT_ERRID_ABORTED)},
+        {"unknown cmdType", call(AtSetMode, AT_COMM_TEST), {}, -1,
+         Setting(0, static_cast<int32_t>(kUntouched))},
     }, Filled<SettingInfo>(kFill));
     // clang-format on
     for (Fn fn : {AtRrcVer, AtSetMode, AtOpenChannel}) EXPECT_EQ(fn(AT_COMM_QUERY, nullptr), -1);
@@ -80,9 +92,11 @@ TEST(AtsCommRadio, FunctionalityLevelQuery) {
     const auto query = [](uint32_t &fun) { return AtCfunQuery(&fun); };
     // clang-format off
     RunCommandCases<uint32_t>({
-        {"level", query, {Ok("AT+CFUN?", "+CFUN: 1").Prefix("+CFUN:")}, 0, [](uint32_t &f) { f = 1; }},
+        {"level", query, {Ok("AT+CFUN?", "+CFUN: 1").Prefix("+CFUN:")}, 0,
+         [](uint32_t &f) { f = 1; }},
         {"a negative level is not stored", query, {Ok("AT+CFUN?", "+CFUN: -1")}, 0},
-        {"an error reply passes its class", query, {Fails("AT+CFUN?", AT_RET_CME_ERROR, "+CME ERROR: 10")},
+        {"an error reply passes its class", query,
+         {Fails("AT+CFUN?", AT_RET_CME_ERROR, "+CME ERROR: 10")},
          AT_RET_CME_ERROR},
     }, kUntouched);
     // clang-format on
@@ -110,15 +124,20 @@ TEST(AtsCommRadio, Readings) {
         };
     };
     RunCommandCases<AdcReadInfo>({
-        {"ADC channel", adc(AT_COMM_SET), {Ok("AT^ADCREADEX=2", "^ADCREADEX: 1234").Prefix("^ADCREADEX")},
+        {"ADC channel", adc(AT_COMM_SET),
+         {Ok("AT^ADCREADEX=2", "^ADCREADEX: 1234").Prefix("^ADCREADEX")},
          0, adcIs("1234", AT_ERRID_OK)},
         {"ADC range", adc(AT_COMM_TEST), {Ok("AT^ADCREADEX=?", "^ADCREADEX: (0-3)")}, 0,
          adcIs("(0-3)", AT_ERRID_OK)},
-        {"no query form", adc(AT_COMM_QUERY), {}, -1, adcIs(nullptr, static_cast<int32_t>(kUntouched))},
+        {"no query form", adc(AT_COMM_QUERY), {}, -1,
+         adcIs(nullptr, static_cast<int32_t>(kUntouched))},
     }, Filled<AdcReadInfo>(kFill));
-    const auto xo = [](uint32_t cmdType) { return [cmdType](XoTempInfo &x) { return AtXoTemp(cmdType, &x); }; };
+    const auto xo = [](uint32_t cmdType) {
+        return [cmdType](XoTempInfo &x) { return AtXoTemp(cmdType, &x); };
+    };
     RunCommandCases<XoTempInfo>({
-        {"crystal temperature", xo(AT_COMM_QUERY), {Ok("AT^XOTEMP?", "^XOTEMP: -8").Prefix("^XOTEMP")}, 0,
+        {"crystal temperature", xo(AT_COMM_QUERY),
+         {Ok("AT^XOTEMP?", "^XOTEMP: -8").Prefix("^XOTEMP")}, 0,
          [](XoTempInfo &x) {
              x.crystalTemp = -8;
              x.errorId = AT_ERRID_OK;
@@ -169,9 +188,11 @@ TEST(AtsCommRadio, Antennas) {
          [](AntModeInfo &m) { m = {1, 2, AT_ERRID_OK}; }},
         // The reply's fields are named ulAntEnable..dlAntIndex: nw_mode and
         // ant_mode are not among them, so the query stores only its outcome.
-        {"query", ant(AT_COMM_QUERY), {Ok("AT^ANTMODE?", "^ANTMODE: 1,0,1,0").Prefix("^ANTMODE")}, 0,
+        {"query", ant(AT_COMM_QUERY), {Ok("AT^ANTMODE?", "^ANTMODE: 1,0,1,0").Prefix("^ANTMODE")},
+         0,
          [](AntModeInfo &m) { m = {1, 2, AT_ERRID_OK}; }},
-        {"test form", ant(AT_COMM_TEST), {}, -1, [](AntModeInfo &m) { m = {1, 2, static_cast<int32_t>(kUntouched)}; }},
+        {"test form", ant(AT_COMM_TEST), {}, -1,
+         [](AntModeInfo &m) { m = {1, 2, static_cast<int32_t>(kUntouched)}; }},
     }, Filled<AntModeInfo>(kFill));
     RunCommandCases<SingleAntModeInfo>({
         {"set", single(AT_COMM_SET), {Ok("AT^ANTMODE=1,0,1,2")}, 0,

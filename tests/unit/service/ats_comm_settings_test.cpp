@@ -20,18 +20,21 @@ CommandCase<int32_t>::Call NoRecord(Fn fn) {
 TEST(AtsCommSettings, LockAndRemoteSim) {
     // clang-format off
     RunCommandCases<int32_t>({
-        {"data lock off", NoRecord(AtQryDatalock), {Ok("AT^DATALOCK?", "^DATALOCK: 0").Prefix("^DATALOCK")}, 0},
+        {"data lock off", NoRecord(AtQryDatalock),
+         {Ok("AT^DATALOCK?", "^DATALOCK: 0").Prefix("^DATALOCK")}, 0},
         {"data lock on", NoRecord(AtQryDatalock), {Ok("AT^DATALOCK?", "^DATALOCK: 2")}, 1},
         {"a failed query reads as locked", NoRecord(AtQryDatalock),
          {Fails("AT^DATALOCK?", AT_RET_CME_ERROR, "+CME ERROR: 10")}, 1},
-        {"unlock", NoRecord([] { return AtSetDatalock("5678"); }), {Ok("AT^DATALOCK=5678").Prefix("").Timeout(30)}, 0},
+        {"unlock", NoRecord([] { return AtSetDatalock("5678"); }),
+         {Ok("AT^DATALOCK=5678").Prefix("").Timeout(30)}, 0},
         {"unlock refused", NoRecord([] { return AtSetDatalock("5678"); }),
          {Fails("AT^DATALOCK=5678", AT_RET_ERROR, "ERROR")}, -1},
         {"no unlock code", NoRecord([] { return AtSetDatalock(nullptr); }), {}, -1},
         {"remote SIM on", NoRecord(AtQryRsim), {Ok("AT^RSIM?", "^RSIM: 1").Prefix("^RSIM")}, 0},
         {"remote SIM off", NoRecord(AtQryRsim), {Ok("AT^RSIM?", "^RSIM: 0")}, -1},
         {"remote SIM without a blank", NoRecord(AtQryRsim), {Ok("AT^RSIM?", "^RSIM:1")}, -1},
-        {"remote SIM query failed", NoRecord(AtQryRsim), {Fails("AT^RSIM?", AT_RET_ERROR, "ERROR")}, -1},
+        {"remote SIM query failed", NoRecord(AtQryRsim),
+         {Fails("AT^RSIM?", AT_RET_ERROR, "ERROR")}, -1},
         {"echo", NoRecord(AtMmiEcho), {Ok("AT^MMIECHO=").Prefix("")}, 0},
         {"NV configuration", NoRecord(AtActiveNcfg), {Ok("AT^ACTIVENCFG=1")}, 0},
         {"NV item 2591", NoRecord([] {

@@ -71,12 +71,14 @@ TEST(AtsCommVersion, Read) {
              std::memset(v.extdVersion, 0, sizeof v.extdVersion);
              ReadVersions(v, real);
          }},
-        {"an error reply leaves the record", once, {Fails(kQuery, AT_RET_CME_ERROR, "+CME ERROR: 4")},
+        {"an error reply leaves the record", once,
+         {Fails(kQuery, AT_RET_CME_ERROR, "+CME ERROR: 4")},
          0},
         {"ERROR", once, {Fails(kQuery, AT_RET_ERROR, "ERROR")}, -1},
         {"no lines", once, {Ok(kQuery)}, -1},
         {"a version missing", once,
-         {Ok(kQuery, "^VERSION:EXTS:1\r\n^VERSION:EXTD:2\r\n^VERSION:EXTH:3\r\n^VERSION:EXTU:4")}, -1,
+         {Ok(kQuery, "^VERSION:EXTS:1\r\n^VERSION:EXTD:2\r\n^VERSION:EXTH:3\r\n^VERSION:EXTU:4")},
+         -1,
          [](VersionInfo &v) {
              SetText(v.extsVersion, "EXTS:1");
              SetText(v.extdVersion, "EXTD:2");

@@ -7,6 +7,7 @@
 #include "at_send.h"
 #include "at_text.h"
 #include "at_types.h"
+#include "ats_comm.h"
 #include "ats_ndis.h"
 #include "ats_security.h"
 #include "m2m_ats_call.h"

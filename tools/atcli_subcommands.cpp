@@ -10,9 +10,7 @@ constexpr SubCommand kSubCommands[] = {
     {"pin", PinActions},
     {"pdp", PdpActions},
     {"dial", DialActions},
-#if ATCLI_HAVE_IDENTITY
     {"identity", IdentityActions},
-#endif
 };
 
 }  // namespace

@@ -134,8 +134,6 @@ TEST_F(SessionTest, Session_PinThenPdpThenDialUp) {
               "\"ipv6\":\"down\"}\n");
 }
 
-// The identities and versions come with the identity family's header.
-#if __has_include("atapi/ats_comm.h")
 TEST_F(SessionTest, Session_IdentityAndVersions) {
     const ProcessResult identity = Cli({"identity", "all", "--json"});
     EXPECT_EQ(identity.exitCode, 0) << identity.err;
@@ -146,7 +144,6 @@ TEST_F(SessionTest, Session_IdentityAndVersions) {
               "\"hardware\":\"ATS5GM01\",\"web_ui\":\"WEBUI_12.605.02.00.00\","
               "\"product\":\"ATS-5G100\",\"config\":\"ATS_CFG_1.0.2\"}\n");
 }
-#endif
 
 // Error replies of each class, and lines atcli refuses before sending.
 class SessionFailTest : public SessionTest {

@@ -10,6 +10,7 @@
 #include "atapi/ats_ndis.h"
 #include "atapi/ats_security.h"
 #include "e2e_fixture.h"
+#include "trace_capture.h"
 
 namespace atapi::e2e {
 namespace {
@@ -55,7 +56,9 @@ std::string PinTries() {
 
 TEST_F(SessionTest, Session_PinThenPdpThenDialUp) {
     // PIN state, a wrong PIN from the library and one from atcli, each
-    // costing a try, then the right one.
+    // costing a try, then the right one. Neither PIN reaches the library's
+    // trace or atserver's log (which logs at debug level here).
+    test::TraceCapture trace;
     CpinInfo pin{};
     ASSERT_EQ(AtPinManagement(0, nullptr, nullptr, &pin), 0);
     EXPECT_STREQ(pin.code, "SIM PIN");
@@ -83,6 +86,13 @@ TEST_F(SessionTest, Session_PinThenPdpThenDialUp) {
     ASSERT_EQ(AtPinManagement(0, nullptr, nullptr, &pin), 0);
     EXPECT_STREQ(pin.code, "READY");
     EXPECT_EQ(PinTries(), "3");
+    for (const std::string &secret : {std::string(kWrongPin), "\"" + std::string(kPin) + "\""}) {
+        EXPECT_EQ(trace.All().find(secret), std::string::npos) << secret;
+        EXPECT_EQ(server_->Log().find(secret), std::string::npos) << secret;
+    }
+    // Both logs did see the PIN commands, masked or as queries.
+    EXPECT_NE(trace.All().find("queryCmd = AT+CPIN?"), std::string::npos) << trace.All();
+    EXPECT_NE(server_->Log().find("AT+CPIN=..."), std::string::npos) << server_->Log();
 
     // A context with an S-NSSAI: written, read back by cid and in the reply.
     PdpContextInfo context{};

@@ -8,6 +8,7 @@
 #include <sstream>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "e2e_fixture.h"
@@ -20,6 +21,7 @@ using Clock = std::chrono::steady_clock;
 constexpr int kFloodThreads = 16;
 constexpr char kQuery[] = "AT+E2EQUERY=";  // answered after 60 ms
 constexpr char kQueuedMark[] = "emergency request \"";
+constexpr char kAheadMark[] = "goes ahead of ";
 constexpr char kSimMark[] = "atsim: \"";
 
 class EmergencyOrderTest : public E2eTest {
@@ -43,10 +45,11 @@ std::vector<LogEvent> ReadEvents(const std::string &log) {
     for (std::string line; std::getline(lines, line);) {
         if (const size_t at = line.find(kQueuedMark); at != std::string::npos) {
             const size_t start = at + sizeof kQueuedMark - 1;
-            const size_t ahead = line.find("goes ahead of ");
-            events.push_back(
-                {true, line.substr(start, line.find('"', start) - start),
-                 ahead == std::string::npos ? 0 : std::stoul(line.substr(ahead + 14))});
+            const size_t ahead = line.find(kAheadMark);
+            events.push_back({true, line.substr(start, line.find('"', start) - start),
+                              ahead == std::string::npos
+                                  ? 0
+                                  : std::stoul(line.substr(ahead + sizeof kAheadMark - 1))});
         } else if (line.starts_with(kSimMark)) {
             const size_t start = sizeof kSimMark - 1;
             events.push_back({false, line.substr(start, line.rfind("\" -> ") - start)});
@@ -129,6 +132,28 @@ TEST_F(EmergencyOrderTest, Flood_EmergencyCommandsGoRightAfterTheCommandInProgre
         emergencies[0].cmd.c_str(), emergencyWaits[0], emergencies[1].cmd.c_str(),
         emergencyWaits[1], ordinary.size(), kFloodThreads, ordinary[ordinary.size() / 2],
         ordinary[ordinary.size() * 9 / 10], ordinary.back());
+}
+
+class OwnEmergencyNumbersTest : public E2eTest {
+  protected:
+    std::vector<std::string> ServerArgs() const override {
+        return {"--emergency-numbers", "999,+112"};
+    }
+};
+
+// The list replaces the default one.
+TEST_F(OwnEmergencyNumbersTest, Dial_OnlyListedNumbersAreEmergency) {
+    const auto queuedAsEmergency = [this] {
+        const std::vector<LogEvent> events = ReadEvents(server_->Log());
+        return std::count_if(events.begin(), events.end(),
+                             [](const LogEvent &e) { return e.queued; });
+    };
+    for (const auto &[cmd, emergency] :
+         {std::pair{"ATD112;", false}, {"ATD999;", true}, {"ATD+112;", true}}) {
+        const auto before = queuedAsEmergency();
+        EXPECT_EQ(Send(cmd).status, 0) << cmd;
+        EXPECT_EQ(queuedAsEmergency() - before, emergency ? 1 : 0) << cmd;
+    }
 }
 
 }  // namespace

@@ -81,8 +81,23 @@ void CommandScheduler::OnRequest(const AtSrvMsg &msg, RecordKind kind, int64_t n
         Answer(msg, PlainErrorReply());
         return;
     }
-    pending_.push_back(msg);
+    Enqueue(msg);
     StartNext(nowMs);
+}
+
+void CommandScheduler::Enqueue(const AtSrvMsg &msg) {
+    const std::string cmd = CommandText(msg);
+    if (!IsEmergencyCommand(cmd, emergencyNumbers_)) {
+        pending_.push_back({msg, false});
+        return;
+    }
+    const auto firstOrdinary =
+        std::find_if(pending_.begin(), pending_.end(),
+                     [](const Waiting &waiting) { return !waiting.emergency; });
+    const auto passed = static_cast<size_t>(pending_.end() - firstOrdinary);
+    pending_.insert(firstOrdinary, {msg, true});
+    Logf("emergency request \"%s\" of %d goes ahead of %zu waiting requests",
+         LoggableCommand(cmd).c_str(), msg.mtype, passed);
 }
 
 void CommandScheduler::HandleControl(const AtSrvMsg &msg, int64_t nowMs) {
@@ -108,8 +123,8 @@ void CommandScheduler::Abort(int32_t mtype, const std::string &text, int64_t now
     }
     // A request that timed out before it even started is withdrawn as well.
     for (auto it = pending_.begin(); it != pending_.end();) {
-        if (it->mtype == mtype && CommandText(*it) == text) {
-            Answer(*it, AbortedReply());
+        if (it->request.mtype == mtype && CommandText(it->request) == text) {
+            Answer(it->request, AbortedReply());
             it = pending_.erase(it);
             aborted = true;
         } else {
@@ -124,8 +139,8 @@ template <typename Pick>
 size_t CommandScheduler::Clear(Pick pick) {
     size_t cleared = 0;
     for (auto it = pending_.begin(); it != pending_.end();) {
-        if (pick(*it)) {
-            Answer(*it, PlainErrorReply());
+        if (pick(it->request)) {
+            Answer(it->request, PlainErrorReply());
             it = pending_.erase(it);
             ++cleared;
         } else {
@@ -261,7 +276,7 @@ CommandScheduler::TickResult CommandScheduler::OnTick(int64_t nowMs) {
 
 void CommandScheduler::StartNext(int64_t nowMs) {
     if (state_ != ModemState::kReady || running_ || draining_ || pending_.empty()) return;
-    const AtSrvMsg request = pending_.front();
+    const AtSrvMsg request = pending_.front().request;
     pending_.pop_front();
     running_ = Running{request,
                        CommandText(request),

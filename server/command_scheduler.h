@@ -1,5 +1,8 @@
-// Serves requests on the modem one at a time, in arrival order, and keeps
-// the conversation with the modem in step: the running command collects its
+// Serves requests on the modem one at a time, in arrival order except that
+// emergency requests (see emergency_commands.h) wait ahead of all others, in
+// arrival order among themselves; they never interrupt the running command.
+// Aborts and clears treat a waiting emergency request like any other. The
+// scheduler keeps the conversation with the modem in step: the running command collects its
 // lines until a final result; an aborted command's late lines are discarded
 // until its final result (or a bounded wait), and so are the answers to the
 // surplus probes of a modem that was slow to answer "AT"; a silent modem is
@@ -10,9 +13,11 @@
 #include <deque>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "atapi/at_types.h"
+#include "emergency_commands.h"
 #include "reply_builder.h"
 #include "request_queues.h"
 #include "urc_filter.h"
@@ -34,7 +39,9 @@ class CommandScheduler {
 
     enum class TickResult { kNone, kProbeFailed };
 
-    CommandScheduler(Io &io, const UrcFilter &urc) : io_(io), urc_(urc) {}
+    CommandScheduler(Io &io, const UrcFilter &urc,
+                     EmergencyNumbers emergencyNumbers = DefaultEmergencyNumbers())
+        : io_(io), urc_(urc), emergencyNumbers_(std::move(emergencyNumbers)) {}
 
     // The port is open: probe it with "AT" until OK, for at most probeWindowMs.
     void OnModemUp(int64_t nowMs, int64_t probeWindowMs);
@@ -49,6 +56,11 @@ class CommandScheduler {
 
   private:
     enum class ModemState { kDown, kProbing, kReady };
+
+    struct Waiting {
+        AtSrvMsg request;
+        bool emergency;
+    };
 
     struct Running {
         AtSrvMsg request;
@@ -67,6 +79,7 @@ class CommandScheduler {
         size_t results = 1;  // final results still to come
     };
 
+    void Enqueue(const AtSrvMsg &msg);
     void HandleControl(const AtSrvMsg &msg, int64_t nowMs);
     void Abort(int32_t mtype, const std::string &text, int64_t nowMs);
     // Answers ERROR to every queued request for which pick is true.
@@ -83,11 +96,12 @@ class CommandScheduler {
 
     Io &io_;
     const UrcFilter &urc_;
+    const EmergencyNumbers emergencyNumbers_;
     ModemState state_ = ModemState::kDown;
     int64_t probeDeadlineMs_ = 0;
     int64_t nextProbeMs_ = 0;
     size_t probesUnanswered_ = 0;
-    std::deque<AtSrvMsg> pending_;
+    std::deque<Waiting> pending_;
     std::optional<Running> running_;
     std::optional<Draining> draining_;
     size_t reportLinesToFollow_ = 0;

@@ -66,11 +66,11 @@ sigset_t ServerSignals() {
 }
 
 EventLoop::EventLoop(ModemBackend &backend, RequestQueues &queues, ReportSink &reports,
-                     unsigned readyTimeoutSec)
+                     unsigned readyTimeoutSec, const EmergencyNumbers &emergencyNumbers)
     : backend_(backend),
       queues_(queues),
       reports_(reports),
-      scheduler_(*this, urc_),
+      scheduler_(*this, urc_, emergencyNumbers),
       reopenDelayMs_(kReopenIntervalMs),
       readyTimeoutSec_(readyTimeoutSec),
       startMs_(NowMs()),

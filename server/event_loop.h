@@ -25,7 +25,7 @@ sigset_t ServerSignals();
 class EventLoop : private CommandScheduler::Io {
   public:
     EventLoop(ModemBackend &backend, RequestQueues &queues, ReportSink &reports,
-              unsigned readyTimeoutSec);
+              unsigned readyTimeoutSec, const EmergencyNumbers &emergencyNumbers);
     ~EventLoop();
     EventLoop(const EventLoop &) = delete;
     EventLoop &operator=(const EventLoop &) = delete;

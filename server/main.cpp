@@ -55,7 +55,8 @@ int Serve(const ServerOptions &options) {
     int status = 0;
     std::string reason;
     {
-        EventLoop loop(*backend, queues, reports, options.readyTimeoutSec);
+        EventLoop loop(*backend, queues, reports, options.readyTimeoutSec,
+                       options.emergencyNumbers);
         status = loop.Run();
         reason = loop.StopReason();
     }

@@ -101,6 +101,10 @@ constexpr Option kOptions[] = {
      [](const char *value, ServerOptions *out) {
          return ParseUnsigned(value, 3600, &out->readyTimeoutSec) && out->readyTimeoutSec != 0;
      }},
+    {"--emergency-numbers", false,
+     [](const char *value, ServerOptions *out) {
+         return ParseEmergencyNumbers(value, &out->emergencyNumbers);
+     }},
 };
 
 const Option *FindOption(std::string_view name) {
@@ -117,7 +121,7 @@ const char *UsageText() {
            "                [--atsim PATH] [--atsim-launcher PROGRAM] [--sim-arg ARG]...\n"
            "                [--report FILE|-] [--log FILE | --syslog]\n"
            "                [--log-level error|warn|info|debug] [-v]\n"
-           "                [--ready-timeout SECONDS]\n"
+           "                [--ready-timeout SECONDS] [--emergency-numbers LIST]\n"
            "       atserver --help | --version\n"
            "  --tty PATH         serial port of the modem (raw mode, --baud default 115200)\n"
            "  --tcp HOST:PORT    modem reached over TCP\n"
@@ -135,6 +139,18 @@ const char *UsageText() {
            "  -v, --verbose      same as --log-level debug\n"
            "  --ready-timeout S  give up when the modem does not answer AT within S seconds\n"
            "                     of the start (default 15)\n"
+           "  --emergency-numbers LIST\n"
+           "                     the numbers whose dialling goes first, comma-separated\n"
+           "                     digits, *, # and + (default 112,911)\n"
+           "order of service:\n"
+           "  One command at a time, in arrival order, except that emergency requests wait\n"
+           "  ahead of all others (in arrival order among themselves); the command in\n"
+           "  progress is never interrupted. Emergency requests are the eCall steps\n"
+           "  AT^ECLSTART, AT^ECLMSD, AT^ECLPUSH, AT^ECLSTOP and AT^ECLABORT in any form,\n"
+           "  and ATD of a listed number: spaces, case and the modifiers T, P, I and G\n"
+           "  aside, the dial string up to ';' must equal the number (ATD 112; and\n"
+           "  atdt112; dial 112; ATD01121234; and ATD+112; do not, unless listed as\n"
+           "  dialled). Aborts and clears take waiting emergency requests like any other.\n"
            "signals:\n"
            "  SIGUSR1            a request is waiting in the queue\n"
            "  SIGTERM, SIGINT    stop: answer nothing more, remove the pid file, the ready\n"

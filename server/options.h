@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "emergency_commands.h"
 #include "server_log.h"
 
 namespace atserver {
@@ -25,6 +26,7 @@ struct ServerOptions {
     LogLevel logLevel = LogLevel::kInfo;
     std::string reportPath;         // empty: log only; "-": stdout
     unsigned readyTimeoutSec = 15;  // how long the modem may take to answer "AT"
+    EmergencyNumbers emergencyNumbers = DefaultEmergencyNumbers();
 };
 
 enum class ParseResult { kServe, kHelp, kVersion, kUsageError };

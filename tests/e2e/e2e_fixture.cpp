@@ -39,6 +39,7 @@ constexpr char kScenarioRules[] =
     "  line +CGDCONT: 2,\"IPV4V6\",\"ims\",\"0.0.0.0\",0,0\n"
     "on AT+CREG?\n"
     "  line +CREG: 2,1,\"00C3\",\"0000A1B2\"\n"
+    "on AT+E2EQUERY=*\n  delay 60\n  line +E2EQUERY: $1\n"
     "on AT+E2ERSSI\n"
     "  line ^RSSI: 20\n"
     "on AT+E2ESMS\n"

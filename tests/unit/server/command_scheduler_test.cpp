@@ -345,6 +345,68 @@ TEST(CommandScheduler, ClearAnswersQueuedRequestsError) {
     });
 }
 
+TEST(CommandScheduler, EmergencyRequestsGoAheadOfWaitingOnes) {
+    const std::string start = "AT^ECLSTART=1,2,\"112\",3", msd = "AT^ECLMSD=\"0102\"";
+    Play({
+        {"after the command in progress, before earlier waiters",
+         {{Req(1, "AT+A"), {"> AT+A"}},
+          {Req(2, "AT+B"), {}},
+          {Req(3, "AT+C"), {}},
+          {Req(4, "ATD112;"), {}},
+          {Line("OK"), {"1: 2", "> ATD112;"}},
+          {Line("OK"), {"4: 2", "> AT+B"}},
+          {Line("OK"), {"2: 2", "> AT+C"}},
+          {Line("OK"), {"3: 2"}}}},
+        {"in arrival order among themselves; the others keep theirs",
+         {{Req(1, "AT+A"), {"> AT+A"}},
+          {Req(2, "AT+B"), {}},
+          {Req(3, start), {}},
+          {Req(4, "ATD01121234;"), {}},
+          {Req(5, msd), {}},
+          {Req(6, "ATD911;"), {}},
+          {Req(7, "AT+C"), {}},
+          {Line("OK"), {"1: 2", "> " + start}},
+          {Req(8, "AT^ECLPUSH"), {}},
+          {Line("OK"), {"3: 2", "> " + msd}},
+          {Line("OK"), {"5: 2", "> ATD911;"}},
+          {Line("OK"), {"6: 2", "> AT^ECLPUSH"}},
+          {Line("OK"), {"8: 2", "> AT+B"}},
+          {Line("OK"), {"2: 2", "> ATD01121234;"}},
+          {Line("OK"), {"4: 2", "> AT+C"}},
+          {Line("OK"), {"7: 2"}}}},
+        {"the late result of an aborted command is waited for first",
+         {{Req(1, "AT+A"), {"> AT+A"}},
+          {Req(2, "AT+B"), {}},
+          {Abort(1, "AT+A"), {"1: 14 AT_ABORTED"}},
+          {Req(3, "ATD112;"), {}},
+          {Line("OK"), {"> ATD112;"}},
+          {Line("OK"), {"3: 2", "> AT+B"}}}},
+        {"aborts and clears take waiting emergency requests like any other",
+         {{Req(1, "AT+A"), {"> AT+A"}},
+          {Req(2, "AT+B"), {}},
+          {Req(2, "ATD112;"), {}},
+          {Req(3, start), {}},
+          {Req(4, "AT^ECLSTOP"), {}},
+          {Req(5, "AT+C"), {}},
+          {Clear(2), {"2: 5 ERROR", "2: 5 ERROR"}},
+          {Abort(3, start), {"3: 14 AT_ABORTED"}},
+          {Line("OK"), {"1: 2", "> AT^ECLSTOP"}},
+          {Req(6, "AT^ECLABORT"), {}},
+          {ClearAll(7), {"6: 5 ERROR", "5: 5 ERROR"}},
+          {Line("OK"), {"4: 2"}}}},
+    });
+    Play(
+        {
+            {"requests that waited for the modem's answer",
+             {{Up(), {"> AT"}},
+              {Req(1, "AT+A"), {}},
+              {Req(2, "ATD112;"), {}},
+              {Line("OK"), {"> ATD112;"}},
+              {Line("OK"), {"2: 2", "> AT+A"}}}},
+        },
+        false);
+}
+
 TEST(CommandScheduler, GuardAbortsACommandTheModemNeverAnswers) {
     Play({
         {"the guard fires 3 s after the requester's timeout, the next command 2 s later",

@@ -132,7 +132,7 @@ int32_t AtsClccEx(AtsClccExInfo *list, int32_t count) {
         AT_LOG_ERR("%s param error", kCallListExTag);
         return -1;
     }
-    if (count >= kCallListExLines + 1) {
+    if (count > kCallListExLines) {
         AT_LOG_ERR("%s list count error", kCallListExTag);
         return -1;
     }

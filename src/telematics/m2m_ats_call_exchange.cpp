@@ -1,5 +1,7 @@
 #include "telematics/m2m_ats_call_exchange.h"
 
+#include <cstring>
+
 #include "atapi/at_text.h"
 #include "link/at_log.h"
 

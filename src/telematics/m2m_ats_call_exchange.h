@@ -7,7 +7,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 
 #include "api/command.h"
 #include "atapi/at_types.h"
@@ -26,7 +25,8 @@ class CallReply {
     CallReply(const CallReply &) = delete;
     CallReply &operator=(const CallReply &) = delete;
 
-    // 0 when a reply came, -1 when nothing was sent, else the exchange's code.
+    // 0 when a reply came; else -1 for a line that did not fit, or the
+    // failed exchange's own result.
     int32_t Status() const { return status_; }
     // The reply's class; 0 when no reply came.
     int32_t RetVal() const { return status_ == 0 ? msg_.RetVal() : 0; }

@@ -38,6 +38,7 @@ constexpr char kCallListExTag[] = "AtsClccEx";
 constexpr CommandSpec kCallListEx{
     .format = "AT^CLCC?", .rspPrefix = "^CLCC:", .parsePrefix = "^CLCC", .moduleId = module::kCall};
 constexpr int32_t kCallListExLines = 7;
+constexpr uint32_t kCallExNumberSize = 41;  // 40 characters and the terminator
 constexpr auto kCallExFields = FieldList(
     Field<&AtsClccExInfo::idx>("idx", 0, INT32_MAX), Field<&AtsClccExInfo::dir>("dir", 0, 1),
     Field<&AtsClccExInfo::state>("state", 0, 5), Field<&AtsClccExInfo::mode>("mode", 0, INT32_MAX),
@@ -45,7 +46,7 @@ constexpr auto kCallExFields = FieldList(
     Field<&AtsClccExInfo::voiceDomain>("voice_domain", 0, 1),
     Field<&AtsClccExInfo::callType>("call_type", 0, INT32_MAX),
     Field<&AtsClccExInfo::isEconference>("isEconference", 0, 1),
-    Capped(Field<&AtsClccExInfo::number>("number"), 41),
+    Capped(Field<&AtsClccExInfo::number>("number"), kCallExNumberSize),
     Field<&AtsClccExInfo::type>("type", 0, INT32_MAX));
 
 // One call of the list. A state above 5 is not stored; a number that does

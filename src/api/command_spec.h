@@ -18,6 +18,7 @@ inline constexpr int32_t kPin = 2;
 inline constexpr int32_t kSms = 3;
 inline constexpr int32_t kDeviceInfo = 4;
 inline constexpr int32_t kCall = 5;
+inline constexpr int32_t kCcwaReport = 6;
 inline constexpr int32_t kSysCfg = 14;
 inline constexpr int32_t kConnStat = 17;
 inline constexpr int32_t kDhcp = 21;

@@ -135,6 +135,16 @@ requires(sizeof...(Kind) <= 1) consteval auto Field(const char *name, int64_t mi
                                                  minVal, maxVal, &detail::Locate<Member>};
 }
 
+// A text row that stores fewer characters than its member could hold: at
+// most size - 1 and the terminator.
+template <typename Record>
+consteval FieldRow<Record> Capped(FieldRow<Record> row, uint32_t size) {
+    if (row.kind != AT_TYPE_STRING) throw "only a text row can be capped";
+    if (size < 2 || size > row.size) throw "a capped text row stays inside its member";
+    row.size = size;
+    return row;
+}
+
 template <typename Record, size_t N>
 using Fields = std::array<FieldRow<Record>, N>;
 

@@ -1,13 +1,21 @@
-// Telematics voice calls. Each function sends one line on a record of its
-// own and reads the reply's result class itself.
+// Voice calls: dial, answer, hang up, hold/multiparty and the two call lists.
 #include "atapi/m2m_ats_call.h"
 
-#include "api/command.h"
+#include <climits>
+#include <cstdlib>
+#include <cstring>
+
+#include "atapi/at_text.h"
 #include "link/at_log.h"
+#include "platform/bounded.h"
+#include "telematics/m2m_ats_call_exchange.h"
 
 namespace {
 
 using namespace atapi::api;
+using atapi::ParseRows;
+using atapi::call::CallReply;
+using atapi::call::SendForOk;
 
 constexpr char kTraceSrc[] = "atapi/src/m2m_ats_call";
 
@@ -16,19 +24,76 @@ constexpr CommandSpec kAnswer{.format = "ATA"};
 constexpr CommandSpec kHangUp{.format = "AT+CHUP"};
 constexpr CommandSpec kHold{.format = "AT+CHLD=%d"};
 
-// Exchanges cmd: 0 for an OK reply, -1 for any other class (abortMessage,
-// when given, is logged for an aborted command); a failed exchange is
-// handed back unchanged.
-int32_t ExchangeForOk(const Command &cmd, const char *formatError,
-                      const char *abortMessage = nullptr) {
-    if (!cmd) {
-        AT_LOG_ERR(formatError, -1);
+constexpr CommandSpec kCallList{
+    .format = "AT+CLCC", .rspPrefix = "+CLCC", .parsePrefix = "+CLCC", .moduleId = module::kCall};
+constexpr int32_t kCallListMaxIndex = 20;  // inclusive: 21 entries
+constexpr uint32_t kMaxCallStat = 5;
+constexpr size_t kMaxNumberChars = 40;
+constexpr auto kCallFields =
+    FieldList(Field<&AtsClccInfo::idx>("idx"), Field<&AtsClccInfo::dir>("dir"),
+              Field<&AtsClccInfo::mode>("mode"), Field<&AtsClccInfo::mpty>("mpty"),
+              Field<&AtsClccInfo::type>("type"));
+
+constexpr char kCallListExTag[] = "AtsClccEx";
+constexpr CommandSpec kCallListEx{
+    .format = "AT^CLCC?", .rspPrefix = "^CLCC:", .parsePrefix = "^CLCC", .moduleId = module::kCall};
+constexpr int32_t kCallListExLines = 7;
+constexpr uint32_t kCallExNumberSize = 41;  // 40 characters and the terminator
+constexpr auto kCallExFields = FieldList(
+    Field<&AtsClccExInfo::idx>("idx", 0, INT32_MAX), Field<&AtsClccExInfo::dir>("dir", 0, 1),
+    Field<&AtsClccExInfo::state>("state", 0, 5), Field<&AtsClccExInfo::mode>("mode", 0, INT32_MAX),
+    Field<&AtsClccExInfo::mpty>("mpty", 0, 1),
+    Field<&AtsClccExInfo::voiceDomain>("voice_domain", 0, 1),
+    Field<&AtsClccExInfo::callType>("call_type", 0, INT32_MAX),
+    Field<&AtsClccExInfo::isEconference>("isEconference", 0, 1),
+    Capped(Field<&AtsClccExInfo::number>("number"), kCallExNumberSize),
+    Field<&AtsClccExInfo::type>("type", 0, INT32_MAX));
+
+// One call of the list. A state above 5 is not stored; a number that does
+// not fit fails the list.
+bool ReadCall(const AtCmdParseNode *row, AtsClccInfo &call) {
+    const auto params = Bind(kCallFields, call);
+    for (const AtCmdParseNode *node = row; node != nullptr; node = node->nextField) {
+        const char *value = node->atFieldValue;
+        if (node->atFieldName == nullptr || value == nullptr) continue;
+        if (SafeStrCmp(node->atFieldName, "stat") == 0) {
+            const int32_t stat = std::atoi(value);
+            if (static_cast<uint32_t>(stat) <= kMaxCallStat) {
+                call.stat = stat;
+            } else {
+                AT_LOG_ERR("[%s] get callStat failed, callStat is %d\n",
+                           "AtsClccParseFieldNameStat", stat);
+            }
+        } else if (SafeStrCmp(node->atFieldName, "number") == 0) {
+            if (snprintf_s(call.number, sizeof call.number, kMaxNumberChars, "%s", value) < 0) {
+                return false;
+            }
+        } else {
+            AtParseNode(node, params.data(), params.size());
+        }
+    }
+    return true;
+}
+
+int32_t ReadCallList(AtsClccInfo *list, int32_t maxIndex) {
+    CallReply reply(Command(kCallList), "AT+CLCC, snprintf_s error, ret:%d\n");
+    if (reply.Aborted()) AT_LOG_ERR("at+clcc is aborted\n");
+    if (!reply.Ok()) return reply.Result();
+    if (std::strstr(reply.Text(), "CLCC") == nullptr) return 0;  // no call
+    int32_t status = 0;
+    const ParseRows rows = reply.Parse(kCallList, &status);
+    if (status != AT_PARSE_OK) {
+        AT_LOG_ERR("ParseAtCmdFunc falied");
         return -1;
     }
-    OwnedSrvMsg msg;
-    if (const int32_t ret = cmd.Exchange(msg); ret != 0) return ret;
-    if (msg.RetVal() == AT_RET_ABORTED && abortMessage != nullptr) AT_LOG_ERR("%s", abortMessage);
-    return msg.RetVal() == AT_RET_OK ? 0 : -1;
+    // maxIndex is the last index filled, not a count.
+    int32_t i = 0;
+    for (const AtCmdParseNode *row = rows.Get(); row != nullptr && maxIndex >= i;
+         row = row->nextRow) {
+        if (!ReadCall(row, list[i])) return -1;
+        ++i;
+    }
+    return 0;
 }
 
 }  // namespace
@@ -37,20 +102,57 @@ extern "C" {
 
 int32_t AtsD(const char *dialString) {
     if (dialString == nullptr) return -1;
-    return ExchangeForOk(Command(kDial, dialString), "ATD, snprintf_s error, ret:%d\n",
-                         "atd is aborted\n");
+    return SendForOk(Command(kDial, dialString), "ATD, snprintf_s error, ret:%d\n",
+                     "atd is aborted\n");
 }
 
 int32_t AtsA(void) {
-    return ExchangeForOk(Command(kAnswer), "ATA, snprintf_s error, ret:%d\n", "ata is aborted\n");
+    return SendForOk(Command(kAnswer), "ATA, snprintf_s error, ret:%d\n", "ata is aborted\n");
 }
 
-int32_t AtsChup(void) {
-    return ExchangeForOk(Command(kHangUp), "AT+CHUP, snprintf_s error, ret:%d\n");
-}
+int32_t AtsChup(void) { return SendForOk(Command(kHangUp), "AT+CHUP, snprintf_s error, ret:%d\n"); }
 
 int32_t AtsChld(int32_t n) {
-    return ExchangeForOk(Command(kHold, n), "AT^CHLD, snprintf_s error, ret:%d\n");
+    return SendForOk(Command(kHold, n), "AT^CHLD, snprintf_s error, ret:%d\n");
+}
+
+int32_t AtsClcc(AtsClccInfo *list, int32_t maxIndex) {
+    if (list == nullptr) {
+        AT_LOG_ERR("param passing is NULL\n");
+        return -1;
+    }
+    if (maxIndex > kCallListMaxIndex) {
+        AT_LOG_ERR("param len passing error\n");
+        return -1;
+    }
+    return ReadCallList(list, maxIndex) == -1 ? -1 : 0;
+}
+
+int32_t AtsClccEx(AtsClccExInfo *list, int32_t count) {
+    if (list == nullptr) {
+        AT_LOG_ERR("%s param error", kCallListExTag);
+        return -1;
+    }
+    if (count > kCallListExLines) {
+        AT_LOG_ERR("%s list count error", kCallListExTag);
+        return -1;
+    }
+    ReplyLines<kCallListExLines> lines;
+    if (const int32_t ret = Command(kCallListEx).SendLines(lines, nullptr); ret != 0) {
+        AT_LOG_ERR("[%s] AtSendMultiCmd error ret = %d", kCallListExTag, ret);
+        return -1;
+    }
+    AT_LOG_INFO("[%s] clccNum = %d", kCallListExTag, lines.Count());
+    for (int32_t i = 0; i < count && i < lines.Count(); ++i) {
+        if (lines[i] == nullptr || lines[i][0] == '\0') break;
+        if (const int32_t ret = ParseFields(kCallListEx, lines[i], kCallExFields, list[i]);
+            ret != 0) {
+            AT_LOG_ERR("[%s] AtParseNodeFromBuf error", kCallListExTag);
+            AT_LOG_ERR("[%s] AtsClccCmdParse error ret = %d", kCallListExTag, ret);
+            return -1;
+        }
+    }
+    return 0;
 }
 
 }  // extern "C"

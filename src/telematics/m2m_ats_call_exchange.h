@@ -1,0 +1,127 @@
+// The exchange every command of the call module makes: a cleared record
+// stamped with the caller's thread id and the command's timeout (30 seconds),
+// the line formatted bounded (at most 1539 characters into 1540 bytes),
+// GetDataFromAtServer, and the reply's class read by the function itself.
+// The record, reply text included, is wiped when the reply goes out of scope.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "api/command.h"
+#include "atapi/at_types.h"
+
+namespace atapi::call {
+
+// cmdType of the query-or-set functions.
+inline constexpr int32_t kQuery = 0;
+inline constexpr int32_t kSet = 1;
+
+class CallReply {
+  public:
+    // Sends cmd's line. A line that did not fit logs formatError (a format
+    // taking the formatter's result, -1, or no argument) and sends nothing.
+    CallReply(const api::Command &cmd, const char *formatError);
+    CallReply(const CallReply &) = delete;
+    CallReply &operator=(const CallReply &) = delete;
+
+    // 0 when a reply came; else -1 for a line that did not fit, or the
+    // failed exchange's own result.
+    int32_t Status() const { return status_; }
+    // The reply's class; 0 when no reply came.
+    int32_t RetVal() const { return status_ == 0 ? msg_.RetVal() : 0; }
+    bool Ok() const { return RetVal() == AT_RET_OK; }
+    bool Aborted() const { return RetVal() == AT_RET_ABORTED; }
+    // An error reply with a cause (+CME or +CMS ERROR).
+    bool CauseError() const { return RetVal() == AT_RET_CME_ERROR || RetVal() == AT_RET_CMS_ERROR; }
+    // The id of the error reply's text.
+    int32_t MappedErrorId();
+    // The failed exchange's own code, else 0 for OK and -1 for other classes.
+    int32_t Result() const {
+        if (status_ != 0) return status_;
+        return Ok() ? 0 : -1;
+    }
+    char *Text() { return msg_.Report(); }
+    // The reply text parsed as spec's reply; *status gets the parser's code.
+    ParseRows Parse(const api::CommandSpec &spec, int32_t *status) {
+        return api::ParseReply(spec, Text(), status);
+    }
+
+  private:
+    api::OwnedSrvMsg msg_;
+    int32_t status_;
+};
+
+// Sends cmd: 0 for an OK reply, -1 for any other class (abortMessage, when
+// given, is logged for an aborted command); a failed exchange is handed
+// back as it is.
+int32_t SendForOk(const api::Command &cmd, const char *formatError,
+                  const char *abortMessage = nullptr);
+
+// Which error replies a function maps to an error id.
+enum class Causes { kCmeOrCms, kCmeOnly };
+
+// How a query takes its parsed reply: rows may be absent (nothing is
+// stored), a row is required, or a row is required and the parser's own
+// result is not looked at.
+enum class RowPolicy { kMayBeEmpty, kNeedsRow, kNeedsRowOnly };
+
+// Stores the fields of one parsed row through a field list.
+template <typename Record, size_t N>
+void StoreRow(const AtCmdParseNode *row, const api::Fields<Record, N> &fields, Record &record) {
+    const std::array<AtParamDesc, N> params = api::Bind(fields, record);
+    for (const AtCmdParseNode *node = row; node != nullptr; node = node->nextField) {
+        AtParseNode(node, params.data(), N);
+    }
+}
+
+// Logs the failed parse of a reply.
+void LogParseFailure();
+
+// The first row of an OK reply parsed as spec's reply into record; -1 (and
+// nothing stored) when the parse fails under policy.
+template <typename Record, size_t N>
+int32_t ReadFirstRow(CallReply &reply, const api::CommandSpec &spec,
+                     const api::Fields<Record, N> &fields, Record &record, RowPolicy policy) {
+    int32_t status = 0;
+    const ParseRows rows = reply.Parse(spec, &status);
+    const bool statusFails = policy != RowPolicy::kNeedsRowOnly && status != AT_PARSE_OK;
+    const bool rowMissing = policy != RowPolicy::kMayBeEmpty && rows.Get() == nullptr;
+    if (statusFails || rowMissing) {
+        LogParseFailure();
+        return -1;
+    }
+    StoreRow(rows.Get(), fields, record);
+    return 0;
+}
+
+// The outcome of a set that keeps an error id: OK stores -2 and gives 0; an
+// error reply of causes stores its mapped id and gives -1; anything else
+// gives -1 and leaves errorId.
+int32_t SetOutcome(CallReply &reply, int32_t &errorId, Causes causes = Causes::kCmeOrCms);
+
+// The outcome of a query that keeps an error id: as SetOutcome, and an OK
+// reply is read into record first (a failed read gives -1 and leaves
+// errorId). A failed exchange gives -1.
+template <typename Record, size_t N>
+int32_t QueryOutcome(CallReply &reply, const api::CommandSpec &spec,
+                     const api::Fields<Record, N> &fields, Record &record, int32_t &errorId,
+                     RowPolicy policy, Causes causes = Causes::kCmeOrCms) {
+    if (!reply.Ok()) return SetOutcome(reply, errorId, causes);
+    if (ReadFirstRow(reply, spec, fields, record, policy) != 0) return -1;
+    errorId = AT_ERRID_OK;
+    return 0;
+}
+
+// The first node of row named name, or null.
+const AtCmdParseNode *FindField(const AtCmdParseNode *row, const char *name);
+
+// Whether a caller's text field ends inside its array and so can go into a
+// line; logs formatError as a failed format when it does not.
+bool TextFits(const char *text, size_t capacity, const char *formatError);
+template <size_t N>
+bool TextFits(const char (&text)[N], const char *formatError) {
+    return TextFits(text, N, formatError);
+}
+
+}  // namespace atapi::call

@@ -42,6 +42,8 @@ struct Setting {
     CommandSpec test;
     Fields<Record, N> fields;
 };
+template <typename Record, size_t N>
+Setting(CommandSpec, CommandSpec, Fields<Record, N>) -> Setting<Record, N>;
 
 constexpr CommandSpec kNoTest{.format = nullptr};
 

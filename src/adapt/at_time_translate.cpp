@@ -84,7 +84,7 @@ int32_t AtsUniversalTimeToLocalTime(const AtsTimeInfo *utc, AtsTimeInfo *local) 
 }
 
 int32_t AtsNetTimeZoneToStand(int32_t zone, char *buf, uint32_t size) {
-    if (std::abs(zone) > kMaxZone || buf == nullptr || size < 2) return -1;
+    if (zone < -kMaxZone || zone > kMaxZone || buf == nullptr || size < 2) return -1;
     const int32_t steps = std::abs(zone);
     const int hours = steps / kZoneStepsPerHour;
     const int minutes = steps % kZoneStepsPerHour * kMinutesPerZoneStep;

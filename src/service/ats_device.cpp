@@ -1,7 +1,8 @@
 // Device control settings and reports: each a query of one reply row into
 // the caller's record and, for the settings, a set form built from the
-// record. Only the prefixes below have templates for their test slot (the
-// module's tables give no other), so their queries parse in test mode.
+// record. The module's tables give ^WAKEUPCFG, ^CURC, ^TRUSTNUM, ^THERMFUN,
+// ^SETWDTIME and ^THERMSTATE a template in the test slot only, so their
+// query forms parse in test mode too.
 #include "atapi/ats_device.h"
 
 #include <cstdint>
@@ -178,8 +179,12 @@ int32_t AtCurcHandle(uint32_t op, CurcInfo *r) {
 }
 
 int32_t AtTrustNum(uint32_t op, const char *number, TrustNumInfo *r) {
-    if (op == AT_DEVICE_SET && (number == nullptr || !IsQuotable(number))) {
+    if (op == AT_DEVICE_SET && number == nullptr) {
         AT_LOG_ERR("%s", kParamInIsNull);
+        return -1;
+    }
+    if (op == AT_DEVICE_SET && !IsQuotable(number)) {
+        AT_LOG_ERR("trusted number is invalid");
         return -1;
     }
     return Handle(

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <cstring>
 #include <string>
 
@@ -91,6 +92,7 @@ TEST(AtTimeTranslate, RefusesOutOfRange) {
     const Bad bad[] = {
         {"zone 97", [](AtsTimeInfo &t) { t.timeZone = 97; }},
         {"zone -97", [](AtsTimeInfo &t) { t.timeZone = -97; }},
+        {"lowest zone", [](AtsTimeInfo &t) { t.timeZone = INT32_MIN; }},
         {"year -1", [](AtsTimeInfo &t) { t.tm_year = -1; }},
         {"month 0", [](AtsTimeInfo &t) { t.tm_mon = 0; }},
         {"month 13", [](AtsTimeInfo &t) { t.tm_mon = 13; }},
@@ -124,10 +126,10 @@ TEST(AtTimeTranslate, ZoneText) {
         const char *text;  // null: nothing written
     };
     const Zone zones[] = {
-        {32, 16, "GMT+08:00"},  {-33, 16, "GMT-08:15"}, {0, 16, "GMT+00:00"},
-        {22, 16, "GMT+05:30"},  {-14, 16, "GMT-03:30"}, {96, 16, "GMT+24:00"},
-        {-96, 16, "GMT-24:00"}, {97, 16, nullptr},      {-97, 16, nullptr},
-        {32, 1, nullptr},       {32, 6, "GMT+0"},  // bounded by the size
+        {32, 16, "GMT+08:00"},  {-33, 16, "GMT-08:15"},   {0, 16, "GMT+00:00"},
+        {22, 16, "GMT+05:30"},  {-14, 16, "GMT-03:30"},   {96, 16, "GMT+24:00"},
+        {-96, 16, "GMT-24:00"}, {97, 16, nullptr},        {-97, 16, nullptr},
+        {32, 1, nullptr},       {INT32_MIN, 16, nullptr}, {32, 6, "GMT+0"},  // bounded by the size
     };
     for (const Zone &z : zones) {
         SCOPED_TRACE(z.zone);

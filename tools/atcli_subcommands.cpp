@@ -11,6 +11,8 @@ constexpr SubCommand kSubCommands[] = {
     {"pdp", PdpActions},
     {"dial", DialActions},
     {"identity", IdentityActions},
+    {"device", DeviceActions},
+    {"time", TimeActions},
 };
 
 }  // namespace

@@ -38,5 +38,13 @@ int main(void) {
         return 1;
     }
     FreeAtCmd(rows);
+    AtsTimeInfo utc = {0, 10, 0, 1, 1, 2024, {0, 0, 0, 0, 0}, -1};
+    AtsTimeInfo local;
+    memset(&local, 0, sizeof local);
+    if (AtsUniversalTimeToLocalTime(&utc, &local) != 0 || local.tm_year != 2023 ||
+        local.tm_mon != 12 || local.tm_mday != 31 || local.tm_hour != 23 || local.tm_min != 55) {
+        puts("time translation from C failed");
+        return 1;
+    }
     return 0;
 }

@@ -7,11 +7,15 @@ namespace atcli {
 namespace {
 
 constexpr SubCommand kSubCommands[] = {
-    {"pin", PinActions},
-    {"pdp", PdpActions},
-    {"dial", DialActions},
+    {"pin", PinActions},           {"pdp", PdpActions}, {"dial", DialActions},
 #if ATCLI_HAVE_IDENTITY
     {"identity", IdentityActions},
+#endif
+#if ATCLI_HAVE_CALL
+    {"call", CallActions},
+#endif
+#if ATCLI_HAVE_ECALL
+    {"ecall", ECallActions},
 #endif
 };
 

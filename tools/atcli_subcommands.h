@@ -14,6 +14,8 @@ std::span<const Action> PinActions();
 std::span<const Action> PdpActions();
 std::span<const Action> DialActions();
 std::span<const Action> IdentityActions();
+std::span<const Action> CallActions();
+std::span<const Action> ECallActions();
 
 struct SubCommand {
     std::string_view name;

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "atapi/at_text.h"
 #include "atapi/m2m_ats_call.h"
 #include "e2e_fixture.h"
 
@@ -101,10 +102,11 @@ TEST_F(CallTest, VoiceCall_DialListDtmfHangUp) {
     const ProcessResult none = Cli({"call", "list", "--json"});
     EXPECT_EQ(none.exitCode, 0) << none.err;
     EXPECT_EQ(none.out, "{\"calls\":[]}\n");
-    // No call to send tones to: the modem's error, exit status 1.
+    // No call to send tones to: the modem's error with its id, exit status 1.
     const ProcessResult refused = Cli({"call", "dtmf", "1"});
     EXPECT_EQ(refused.exitCode, 1);
-    EXPECT_EQ(refused.err, "atcli: call dtmf: the modem answered with an error (error id 3)\n");
+    EXPECT_EQ(refused.err, "atcli: call dtmf: the modem answered with an error (error id " +
+                               std::to_string(ErrorStrToErrorId("+CME ERROR: 3")) + ")\n");
 #endif
 }
 
@@ -127,6 +129,31 @@ TEST_F(CallTest, IncomingCall_RingsAndIsAnswered) {
     ExpectReported({"^CEND: 1,0,104,16"});
     EXPECT_NE(AtsA(), 0);  // nothing rings any more: NO CARRIER
 }
+
+#if ATCLI_HAVE_CALL && ATCLI_HAVE_ECALL
+// Lines that atcli refuses before sending anything.
+TEST_F(CallTest, Atcli_RefusesBadArguments) {
+    const struct {
+        std::vector<std::string> args;
+        std::string err;
+    } cases[] = {
+        {{"call", "dial", "12;3"}, "a number is 1 to 40 of 0-9 + * # A-D P W ,"},
+        {{"call", "dtmf", "1x"}, "tones are 0-9 * # A-D"},
+        {{"call", "dtmf", "1", "--duration", "-1"}, "--duration takes a number"},
+        {{"ecall", "mode", "3"}, "a mode is 0 (off), 1 (eCall only) or 2 (eCall and normal calls)"},
+        {{"ecall", "msd", "01\"02"}, "an MSD is 1 to 1527 printable characters without '\"'"},
+        {{"ecall", "start", "1", "x", "112", "0"}, "P1, P2 and P4 are numbers"},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.args[1] + " " + c.args[2]);
+        const ProcessResult result = Cli(c.args);
+        EXPECT_EQ(result.exitCode, 64);
+        EXPECT_EQ(result.out, "");
+        EXPECT_EQ(result.err, "atcli: " + c.err + " (atcli --help lists the commands)\n");
+    }
+    EXPECT_EQ(Reported(), std::vector<std::string>{});
+}
+#endif
 
 #if ATCLI_HAVE_ECALL
 // The eCall progress as the default scenario reports it, in order.

@@ -95,7 +95,7 @@ TEST(CallScenario, OutgoingCallConnectsHoldsAndEnds) {
                       {"", 500, {"^CONN: 1,0"}},
                       {"AT+VTS=5,100\r", 0, {"OK"}},
                       {"AT+CHLD=2\r", 0, {"OK"}},
-             {"AT+CHLD=12\r", 0, {"+CME ERROR: 3"}},
+                      {"AT+CHLD=12\r", 0, {"+CME ERROR: 3"}},
                       {"AT+CLCC\r", 0, {"+CLCC: 1,0,1,0,0," + kCalled, "OK"}},
                       {"AT+CHLD=1\r", 0, {"OK"}},
                       {"AT+CLCC\r", 0, {"+CLCC: 1,0,0,0,0," + kCalled, "OK"}},

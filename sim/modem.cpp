@@ -146,9 +146,10 @@ std::string Modem::Expand(const Text &text, const std::vector<std::string> &capt
     return ExpandText(text, ExpandContext{variables_, captures, random_});
 }
 
-// The number of a delay, 'after' or 'add'; what is not a number counts as 0.
-std::int64_t Modem::AmountOf(const Step &step, const Job &job) {
-    const std::string value = Expand(step.amount, job.captures);
+// The number of a delay, 'after', 'trigger' or 'add'; what is not a number
+// counts as 0.
+std::int64_t Modem::AmountOf(const Step &step, const std::vector<std::string> &captures) {
+    const std::string value = Expand(step.amount, captures);
     const auto number = ToNumber(value);
     if (!number) {
         Log("atsim: " + step.where.file + ":" + std::to_string(step.where.line) + ": \"" + value +
@@ -168,7 +169,7 @@ void Modem::RunJob(Millis now) {
                 SendLine(Expand(step.text, job.captures));
                 break;
             case StepKind::kDelay: {
-                const std::int64_t ms = AmountOf(step, job);
+                const std::int64_t ms = AmountOf(step, job.captures);
                 if (ms > 0) {
                     job.resumeAt = now + static_cast<Millis>(ms);
                     return;
@@ -176,16 +177,12 @@ void Modem::RunJob(Millis now) {
                 break;
             }
             case StepKind::kSet:
-                variables_[step.slot] = Expand(step.text, job.captures);
+            case StepKind::kAdd:
+                ChangeVariable(step, job.captures);
                 break;
-            case StepKind::kAdd: {
-                const std::int64_t base = ToNumber(variables_[step.slot]).value_or(0);
-                const std::int64_t amount = AmountOf(step, job);
-                std::int64_t sum = 0;
-                if (__builtin_add_overflow(base, amount, &sum)) sum = base;
-                variables_[step.slot] = std::to_string(sum);
+            case StepKind::kCancel:
+                CancelEvents(Expand(step.text, job.captures));
                 break;
-            }
             case StepKind::kGarbage:
                 SendGarbage();
                 break;
@@ -199,15 +196,79 @@ void Modem::RunJob(Millis now) {
             case StepKind::kFinal:
                 SendLine(Expand(step.text, job.captures));
                 break;
-            case StepKind::kAfter: {
-                const std::int64_t ms = AmountOf(step, job);
-                job.afterLines.emplace_back(static_cast<Millis>(std::max<std::int64_t>(ms, 0)),
-                                            Expand(step.text, job.captures));
+            case StepKind::kAfter:
+            case StepKind::kTrigger: {
+                Millis delay = 0;
+                Scheduled what = ScheduleOf(step, job.captures, &delay);
+                job.afterReply.emplace_back(delay, std::move(what));
                 break;
             }
         }
     }
     FinishJob(now);
+}
+
+void Modem::ChangeVariable(const Step &step, const std::vector<std::string> &captures) {
+    if (step.kind == StepKind::kSet) {
+        variables_[step.slot] = Expand(step.text, captures);
+        return;
+    }
+    const std::int64_t base = ToNumber(variables_[step.slot]).value_or(0);
+    const std::int64_t amount = AmountOf(step, captures);
+    std::int64_t sum = 0;
+    if (__builtin_add_overflow(base, amount, &sum)) sum = base;
+    variables_[step.slot] = std::to_string(sum);
+}
+
+// The line of an 'after' or the event of a 'trigger', and its delay. An event
+// comes at least 1 ms later, so that one that triggers itself cannot spin.
+Modem::Scheduled Modem::ScheduleOf(const Step &step, const std::vector<std::string> &captures,
+                                   Millis *delay) {
+    const bool event = step.kind == StepKind::kTrigger;
+    *delay = static_cast<Millis>(std::max<std::int64_t>(AmountOf(step, captures), event ? 1 : 0));
+    return Scheduled{Expand(step.text, captures), event};
+}
+
+// An event runs the first event rule of its name whose conditions hold, at
+// once: its variable changes take effect now, its lines wait like every
+// unsolicited line. No rule holding is no fault: the event has lapsed (a
+// call that ended before it was answered, ...).
+void Modem::RunEvent(const std::string &name, Millis now) {
+    const std::vector<std::string> captures{name};  // $0 is the event's name
+    const auto rule =
+        std::find_if(scenario_.events.begin(), scenario_.events.end(), [&](const Rule &event) {
+            return event.pattern == name && ConditionsHold(event, captures);
+        });
+    if (options_.verbose) {
+        Log("atsim: event " + name + " -> " +
+            (rule == scenario_.events.end()
+                 ? std::string("lapsed")
+                 : rule->where.file + ":" + std::to_string(rule->where.line)));
+    }
+    if (rule == scenario_.events.end()) return;
+    for (const Step &step : rule->steps) {
+        switch (step.kind) {
+            case StepKind::kLine:
+                HoldUnsolicited(Expand(step.text, captures));
+                break;
+            case StepKind::kSet:
+            case StepKind::kAdd:
+                ChangeVariable(step, captures);
+                break;
+            case StepKind::kCancel:
+                CancelEvents(Expand(step.text, captures));
+                break;
+            case StepKind::kAfter:
+            case StepKind::kTrigger: {
+                Millis delay = 0;
+                Scheduled what = ScheduleOf(step, captures, &delay);
+                scheduled_.emplace(now + delay, std::move(what));
+                break;
+            }
+            default:  // the loader keeps every other step out of an event
+                break;
+        }
+    }
 }
 
 void Modem::FinishJob(Millis now) {
@@ -216,7 +277,7 @@ void Modem::FinishJob(Millis now) {
         return step.kind == StepKind::kFinal || step.kind == StepKind::kSilent;
     });
     if (!answered) SendLine("OK");
-    for (auto &[delay, line] : job_->afterLines) scheduled_.emplace(now + delay, std::move(line));
+    for (auto &[delay, what] : job_->afterReply) scheduled_.emplace(now + delay, std::move(what));
     job_.reset();
 }
 
@@ -242,8 +303,16 @@ void Modem::Tick(Millis now) {
 // they never land inside a reply unless a rule puts them there ('urc').
 void Modem::ReleaseUnsolicited(Millis now) {
     while (!scheduled_.empty() && scheduled_.begin()->first <= now) {
-        HoldUnsolicited(std::move(scheduled_.begin()->second));
+        const Millis dueAt = scheduled_.begin()->first;
+        Scheduled due = std::move(scheduled_.begin()->second);
         scheduled_.erase(scheduled_.begin());
+        if (due.event) {
+            // Counted from when it was due, so that a late wake-up does not
+            // stretch a chain of events.
+            RunEvent(due.text, dueAt);
+        } else {
+            HoldUnsolicited(std::move(due.text));
+        }
     }
     if (job_ || inputLength_ > 0 || !commands_.empty()) return;
     for (const std::string &line : held_) SendLine(line);
@@ -253,6 +322,12 @@ void Modem::ReleaseUnsolicited(Millis now) {
 void Modem::HoldUnsolicited(std::string line) {
     if (held_.size() >= kMaxHeldUnsolicited) held_.pop_front();
     held_.push_back(std::move(line));
+}
+
+void Modem::CancelEvents(const std::string &pattern) {
+    std::erase_if(scheduled_, [&pattern](const auto &entry) {
+        return entry.second.event && MatchPattern(pattern, entry.second.text, nullptr);
+    });
 }
 
 std::optional<Millis> Modem::NextDeadline() const {

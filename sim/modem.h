@@ -50,12 +50,17 @@ class Modem {
     bool HungUp() const { return hungUp_; }
 
   private:
+    // What is due some time after a reply: an unsolicited line or an event.
+    struct Scheduled {
+        std::string text;  // the line, or the event's name
+        bool event = false;
+    };
     struct Job {
         const Rule *rule = nullptr;
         std::size_t next = 0;
         std::vector<std::string> captures;
         std::optional<Millis> resumeAt;
-        std::vector<std::pair<Millis, std::string>> afterLines;  // delay, line
+        std::vector<std::pair<Millis, Scheduled>> afterReply;  // delay, what
     };
 
     bool TakeByte(char byte);
@@ -65,13 +70,17 @@ class Modem {
     void AnswerBuiltin(const std::string &command);
     void RunJob(Millis now);
     void FinishJob(Millis now);
+    void ChangeVariable(const Step &step, const std::vector<std::string> &captures);
+    Scheduled ScheduleOf(const Step &step, const std::vector<std::string> &captures, Millis *delay);
+    void RunEvent(const std::string &name, Millis now);
+    void CancelEvents(const std::string &pattern);
     void Tick(Millis now);
     void ReleaseUnsolicited(Millis now);
     void HoldUnsolicited(std::string line);
     void SendLine(std::string_view line);
     void SendGarbage();
     std::string Expand(const Text &text, const std::vector<std::string> &captures);
-    std::int64_t AmountOf(const Step &step, const Job &job);
+    std::int64_t AmountOf(const Step &step, const std::vector<std::string> &captures);
     void Log(const std::string &message) const;
 
     const Scenario &scenario_;
@@ -83,7 +92,7 @@ class Modem {
     std::size_t inputLength_ = 0;  // counts past the limit while an over-long line is dropped
     std::deque<std::string> commands_;
     std::optional<Job> job_;
-    std::multimap<Millis, std::string> scheduled_;
+    std::multimap<Millis, Scheduled> scheduled_;
     std::deque<std::string> held_;
     std::optional<Millis> nextTick_;
     std::uint64_t ticks_ = 0;

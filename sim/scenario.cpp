@@ -1,5 +1,6 @@
 #include "scenario.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <filesystem>
@@ -97,6 +98,20 @@ class Parser {
         return true;
     }
 
+    // Every event triggered somewhere must be declared somewhere.
+    bool CheckEvents() {
+        for (const auto &[name, where] : triggers_) {
+            const auto &events = out_->events;
+            if (std::none_of(events.begin(), events.end(), [&name](const Rule &event) {
+                    return MatchPattern(name, event.pattern, nullptr);
+                })) {
+                here_ = where;
+                return Fail(Here() + "unknown event '" + name + "' (declare it with 'event')");
+            }
+        }
+        return true;
+    }
+
     // Every variable used somewhere must be declared somewhere.
     bool CheckVariables() {
         for (const auto &[name, use] : variables_) {
@@ -120,9 +135,10 @@ class Parser {
     struct Statement {
         std::string_view keyword;
         Handler handler;
-        bool inRule;  // a statement of a rule's body
+        bool inRule;   // a statement of a rule's body
+        bool inEvent;  // ... that an event's body may hold too
     };
-    static const std::array<Statement, 15> kStatements;
+    static const std::array<Statement, 18> kStatements;
 
     std::string Here() const { return here_.file + ":" + std::to_string(here_.line) + ": "; }
 
@@ -139,6 +155,10 @@ class Parser {
                 return Fail(Here() + "'" + std::string(keyword) +
                             "' outside a rule (start one with 'on')");
             }
+            if (statement.inRule && event_ && !statement.inEvent) {
+                return Fail(Here() + "'" + std::string(keyword) +
+                            "' in an event (an event sends unsolicited lines, never a reply)");
+            }
             if (!statement.inRule) EndRule();
             return (this->*statement.handler)(rest);
         }
@@ -146,8 +166,9 @@ class Parser {
     }
 
     void EndRule() {
-        if (rule_) out_->rules.push_back(std::move(*rule_));
+        if (rule_) (event_ ? out_->events : out_->rules).push_back(std::move(*rule_));
         rule_.reset();
+        event_ = false;
         ruleEnded_ = false;
         ruleHungUp_ = false;
     }
@@ -182,8 +203,8 @@ class Parser {
     // reply, and nothing a hang-up.
     bool AddStep(Step step) {
         if (ruleHungUp_) return Fail(Here() + "nothing may follow 'hangup'");
-        if (ruleEnded_ && step.kind != StepKind::kAfter) {
-            return Fail(Here() + "nothing but 'after' may follow the end of a reply");
+        if (ruleEnded_ && step.kind != StepKind::kAfter && step.kind != StepKind::kTrigger) {
+            return Fail(Here() + "nothing but 'after' or 'trigger' may follow the end of a reply");
         }
         step.where = here_;
         ruleHungUp_ = step.kind == StepKind::kHangup;
@@ -270,6 +291,17 @@ class Parser {
         return true;
     }
 
+    bool OnEvent(std::string_view rest) {
+        if (!NeedArgument(rest, "event name")) return false;
+        if (!IsVariableName(rest))
+            return Fail(Here() + "bad event name '" + std::string(rest) + "'");
+        rule_.emplace();
+        rule_->where = here_;
+        rule_->pattern = std::string(rest);
+        event_ = true;
+        return true;
+    }
+
     bool OnWhen(std::string_view rest) {
         if (!rule_->steps.empty())
             return Fail(Here() + "'when' must come before the rule's actions");
@@ -322,6 +354,26 @@ class Parser {
                AddStep(std::move(step));
     }
 
+    bool OnTrigger(std::string_view rest) {
+        const auto [delay, name] = SplitWord(rest);
+        if (!IsVariableName(name)) return Fail(Here() + "expected 'trigger <ms> <event name>'");
+        Step step;
+        step.kind = StepKind::kTrigger;
+        step.text.pieces.push_back({Piece::Kind::kLiteral, std::string(name), 0, 0, 0});
+        triggers_.emplace_back(std::string(name), here_);
+        return Compile(delay, Captures(), &step.amount) && AddStep(std::move(step));
+    }
+
+    // "cancel PATTERN": the pending events whose names match, at once.
+    bool OnCancel(std::string_view rest) {
+        if (!NeedArgument(rest, "event name pattern")) return false;
+        Step step;
+        step.kind = StepKind::kCancel;
+        step.text.pieces.push_back({Piece::Kind::kLiteral, std::string(rest), 0, 0, 0});
+        triggers_.emplace_back(std::string(rest), here_);
+        return AddStep(std::move(step));
+    }
+
     bool OnGarbage(std::string_view rest) { return AddBareStep(StepKind::kGarbage, rest); }
     bool OnHangup(std::string_view rest) { return AddBareStep(StepKind::kHangup, rest); }
     bool OnSilent(std::string_view rest) { return AddBareStep(StepKind::kSilent, rest); }
@@ -340,29 +392,35 @@ class Parser {
     Scenario *out_;
     std::map<std::string, VariableUse> variables_;
     std::vector<std::string> includeStack_;
+    // Event names (or the patterns of 'cancel') and where they stand.
+    std::vector<std::pair<std::string, Location>> triggers_;
     std::optional<Rule> rule_;
+    bool event_ = false;  // the open rule is an event
     bool ruleEnded_ = false;
     bool ruleHungUp_ = false;
     Location here_;
     std::string error_;
 };
 
-const std::array<Parser::Statement, 15> Parser::kStatements = {{
-    {"include", &Parser::OnInclude, false},
-    {"var", &Parser::OnVar, false},
-    {"periodic", &Parser::OnPeriodic, false},
-    {"on", &Parser::OnRule, false},
-    {"when", &Parser::OnWhen, true},
-    {"line", &Parser::OnLine, true},
-    {"urc", &Parser::OnUrc, true},
-    {"delay", &Parser::OnDelay, true},
-    {"set", &Parser::OnSet, true},
-    {"add", &Parser::OnAdd, true},
-    {"after", &Parser::OnAfter, true},
-    {"garbage", &Parser::OnGarbage, true},
-    {"hangup", &Parser::OnHangup, true},
-    {"silent", &Parser::OnSilent, true},
-    {"final", &Parser::OnFinal, true},
+const std::array<Parser::Statement, 18> Parser::kStatements = {{
+    {"include", &Parser::OnInclude, false, false},
+    {"var", &Parser::OnVar, false, false},
+    {"periodic", &Parser::OnPeriodic, false, false},
+    {"on", &Parser::OnRule, false, false},
+    {"event", &Parser::OnEvent, false, false},
+    {"when", &Parser::OnWhen, true, true},
+    {"line", &Parser::OnLine, true, true},
+    {"urc", &Parser::OnUrc, true, false},
+    {"delay", &Parser::OnDelay, true, false},
+    {"set", &Parser::OnSet, true, true},
+    {"add", &Parser::OnAdd, true, true},
+    {"after", &Parser::OnAfter, true, true},
+    {"trigger", &Parser::OnTrigger, true, true},
+    {"cancel", &Parser::OnCancel, true, true},
+    {"garbage", &Parser::OnGarbage, true, false},
+    {"hangup", &Parser::OnHangup, true, false},
+    {"silent", &Parser::OnSilent, true, false},
+    {"final", &Parser::OnFinal, true, false},
 }};
 
 }  // namespace
@@ -380,7 +438,7 @@ bool LoadScenario(const std::string &path, const FileReader &reader, Scenario *o
                   std::string *error) {
     Scenario scenario;
     Parser parser(reader, &scenario);
-    if (!parser.ParseFile(path) || !parser.CheckVariables()) {
+    if (!parser.ParseFile(path) || !parser.CheckEvents() || !parser.CheckVariables()) {
         *error = parser.error();
         return false;
     }

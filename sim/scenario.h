@@ -49,19 +49,24 @@ enum class StepKind {
     kSilent,   // end without any final result
     kFinal,    // final result code; ends the reply
     kAfter,    // unsolicited line some time after the reply
+    kTrigger,  // runs an event some time after the reply
+    kCancel,   // drops the pending events whose names match
 };
 
 struct Step {
     StepKind kind = StepKind::kLine;
-    Text text;             // line, value, final result or the line of kAfter
-    Text amount;           // delay or kAfter milliseconds, kAdd increment
+    Text text;             // line, value, final result, the line of kAfter, the event of
+                           // kTrigger, the event pattern of kCancel
+    Text amount;           // delay, kAfter or kTrigger milliseconds, kAdd increment
     std::size_t slot = 0;  // variable of kSet / kAdd
     Location where;
 };
 
+// A command rule, or an event rule that a 'trigger' runs: the same form, but
+// an event's lines are unsolicited and it sends no final result.
 struct Rule {
     Location where;
-    std::string pattern;  // '*' wildcards, matched without regard to case
+    std::string pattern;  // '*' wildcards, matched without regard to case; an event's name
     std::vector<Condition> conditions;
     std::vector<Step> steps;  // run in order; a rule without kFinal/kSilent ends in OK
 };
@@ -74,7 +79,8 @@ struct Periodic {
 struct Scenario {
     std::vector<std::string> variableNames;
     std::vector<std::string> initialValues;
-    std::vector<Rule> rules;  // first matching rule wins, in file order (includes in place)
+    std::vector<Rule> rules;   // first matching rule wins, in file order (includes in place)
+    std::vector<Rule> events;  // the same for the events that 'trigger' runs
     std::vector<Periodic> periodics;
 };
 

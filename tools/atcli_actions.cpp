@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "atapi/at_send.h"
 #include "atapi/at_types.h"
 #include "platform/bounded.h"
 
@@ -98,9 +99,12 @@ CallCheck::CallCheck(const char *what, uint32_t timeoutSec, int32_t *errorId)
     *errorId = kNoErrorId;
 }
 
+CallCheck::CallCheck(const char *what, uint32_t timeoutSec)
+    : CallCheck(what, timeoutSec, &noErrorId_) {}
+
 int CallCheck::Exit(int32_t ret, int32_t okId) const {
     const int32_t errorId = *errorId_;
-    if (ret == 0 && errorId == okId) return kExitOk;
+    if (ret == 0 && (errorId == okId || errorId_ == &noErrorId_)) return kExitOk;
     if (errorId != kNoErrorId && errorId != okId) {
         std::fprintf(stderr, "atcli: %s: the modem answered with an error (error id %d)\n", what_,
                      errorId);
@@ -122,6 +126,20 @@ int CallCheck::Exit(int32_t ret, int32_t okId) const {
     std::fprintf(stderr, "atcli: %s: the modem answered with an error (error id %d)\n", what_,
                  AT_ERRID_UNMAPPED);
     return kExitErrorReply;
+}
+
+int RunBareCall(const Args &args, const char *what, int32_t (*call)(), const char *done) {
+    const CallCheck check(what, AT_DEFAULT_TIMEOUT_SEC);
+    const int exitCode = check.Exit(call());
+    if (exitCode == kExitOk) Fields().Text("result", done).Print(args.json);
+    return exitCode;
+}
+
+bool ParseValue(const char *text, int32_t *out) {
+    uint32_t value = 0;
+    if (!ParseNumber(text, INT32_MAX, &value)) return false;
+    *out = static_cast<int32_t>(value);
+    return true;
 }
 
 Fields &Fields::Text(std::string name, std::string value) {

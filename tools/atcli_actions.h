@@ -60,6 +60,10 @@ inline constexpr int32_t kNoErrorId = INT32_MIN;
 class CallCheck {
   public:
     CallCheck(const char *what, uint32_t timeoutSec, int32_t *errorId);
+    // For a call that stores no error id: 0 is success.
+    CallCheck(const char *what, uint32_t timeoutSec);
+    CallCheck(const CallCheck &) = delete;
+    CallCheck &operator=(const CallCheck &) = delete;
 
     // 0 when the call returned 0 with okId stored; 1 for an error reply (its
     // error id printed; a bare ERROR, which stores no id, counts as
@@ -68,10 +72,19 @@ class CallCheck {
 
   private:
     const char *what_;
+    int32_t noErrorId_ = kNoErrorId;
     const int32_t *errorId_;
     std::chrono::steady_clock::duration timeout_;
     std::chrono::steady_clock::time_point start_;
 };
+
+// Runs a call that takes nothing and stores nothing; on success prints
+// "result: <done>".
+int RunBareCall(const Args &args, const char *what, int32_t (*call)(), const char *done);
+
+// A decimal number in [0, INT32_MAX] for a record's signed field; false
+// for anything else.
+bool ParseValue(const char *text, int32_t *out);
 
 // Named values of one result, printed as "name: value" lines or as one JSON
 // object on one line.

@@ -13,6 +13,8 @@ constexpr SubCommand kSubCommands[] = {
     {"identity", IdentityActions},
     {"device", DeviceActions},
     {"time", TimeActions},
+    {"call", CallActions},
+    {"ecall", ECallActions},
 };
 
 }  // namespace

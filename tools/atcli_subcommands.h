@@ -16,6 +16,8 @@ std::span<const Action> DialActions();
 std::span<const Action> IdentityActions();
 std::span<const Action> DeviceActions();
 std::span<const Action> TimeActions();
+std::span<const Action> CallActions();
+std::span<const Action> ECallActions();
 
 struct SubCommand {
     std::string_view name;

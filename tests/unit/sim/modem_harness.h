@@ -14,10 +14,17 @@
 namespace atsim::test {
 
 struct ModemHarness {
-    explicit ModemHarness(const char *shippedScenario) {
+    explicit ModemHarness(const char *shippedScenario)
+        : ModemHarness(std::string(ATSIM_SCENARIO_DIR) + "/" + shippedScenario, ReadWholeFile) {}
+    // A scenario given as text.
+    ModemHarness(const std::string &name, const std::string &content)
+        : ModemHarness(name, [&content](const std::string &, std::string *out) {
+              *out = content;
+              return true;
+          }) {}
+    ModemHarness(const std::string &path, const FileReader &reader) {
         std::string error;
-        const std::string path = std::string(ATSIM_SCENARIO_DIR) + "/" + shippedScenario;
-        EXPECT_TRUE(LoadScenario(path, ReadWholeFile, &scenario, &error)) << error;
+        EXPECT_TRUE(LoadScenario(path, reader, &scenario, &error)) << error;
         ModemOptions options;
         options.periodicUrcs = false;
         options.log = [this](const std::string &line) { logs.push_back(line); };

@@ -151,8 +151,8 @@ ATAPI_EXPORT int32_t AtSimSwitch(uint32_t op, SimSwitchInfo *s);
 ATAPI_EXPORT int32_t AtCardType(CardTypeInfo *c);
 /** Writes the MCC and MNC of the three BCD bytes of a PLMN id (as stored on
  *  the SIM) into out: "%03u%03u", or "%03u%02u" when the MNC's third digit
- *  is the filler F. Writes nothing unless plmn holds at least two bytes
- *  before a zero byte and size is at least 2. */
+ *  is the filler F. plmn holds three bytes; nothing is written unless
+ *  size is at least 2, nor when the text does not fit. */
 ATAPI_EXPORT void ExtractMccMncFromPlmnId(const unsigned char *plmn, char *out, int32_t size);
 /** The APN list of an EF ACL text in hex; null when it holds none or is
  *  malformed. Free the list with FreeApnList. */

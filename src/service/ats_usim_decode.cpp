@@ -177,8 +177,9 @@ bool SpnFromHex(const char *hex, char *out, size_t outSize) {
 extern "C" {
 
 void ExtractMccMncFromPlmnId(const unsigned char *plmn, char *out, int32_t size) {
+    // The bytes are BCD: a zero byte is a pair of zero digits (MCC 310 with a
+    // three-digit MNC stores 13 00 ..), not the end of the id.
     if (plmn == nullptr || out == nullptr || size < 2) return;
-    if (strnlen(reinterpret_cast<const char *>(plmn), 2) < 2) return;
     const unsigned mcc = (plmn[0] & 0x0Fu) * 100 + (plmn[0] >> 4) * 10 + (plmn[1] & 0x0Fu);
     const unsigned mncDigit3 = plmn[1] >> 4;
     char text[16];

@@ -82,7 +82,7 @@ int32_t AtGetIccidByCrsm(IccidInfo *r) {
     }
     char iccid[sizeof r->iccid];
     if (file.Empty() || !atapi::usim::IccidFromBcd(file.Text(), iccid, sizeof iccid)) return -1;
-    std::memcpy(r->iccid, iccid, sizeof iccid);
+    std::memcpy(r->iccid, iccid, std::strlen(iccid) + 1);
     r->errorId = AT_ERRID_OK;
     AT_LOG_INFO("out");
     return 0;

@@ -11,6 +11,7 @@ constexpr SubCommand kSubCommands[] = {
     {"pdp", PdpActions},
     {"dial", DialActions},
     {"identity", IdentityActions},
+    {"sim", SimActions},
 };
 
 }  // namespace

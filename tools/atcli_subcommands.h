@@ -14,6 +14,7 @@ std::span<const Action> PinActions();
 std::span<const Action> PdpActions();
 std::span<const Action> DialActions();
 std::span<const Action> IdentityActions();
+std::span<const Action> SimActions();
 
 struct SubCommand {
     std::string_view name;

@@ -1,10 +1,12 @@
 // Restricted SIM access: one +CRSM exchange, with the file's directory
 // taken from the path table of the card's type. The type is asked once per
 // process and kept.
+#include <algorithm>
 #include <atomic>
 #include <cstdlib>
 #include <cstring>
 #include <iterator>
+#include <span>
 
 #include "api/command.h"
 #include "atapi/ats_ndis.h"
@@ -101,22 +103,18 @@ int32_t StoreResponse(const char *text, CrsmResult *r) {
 namespace atapi::usim {
 
 const char *FilePath(uint32_t cardMode, int32_t fileId) {
-    const PathRow *first = nullptr;
-    const PathRow *last = nullptr;
+    std::span<const PathRow> table;
     if (cardMode == kCardSim) {
-        first = std::begin(kSimPaths);
-        last = std::end(kSimPaths);
+        table = kSimPaths;
     } else if (cardMode == kCardUsim) {
-        first = std::begin(kUsimPaths);
-        last = std::end(kUsimPaths);
+        table = kUsimPaths;
     } else {
         AT_LOG_ERR("cardMode %d is not supported", static_cast<int>(cardMode));
         return nullptr;
     }
-    for (const PathRow *row = first; row != last; ++row) {
-        if (row->fileId == fileId && row->path != nullptr) return row->path;
-        if (row->fileId == fileId) break;
-    }
+    const auto row = std::find_if(table.begin(), table.end(),
+                                  [fileId](const PathRow &r) { return r.fileId == fileId; });
+    if (row != table.end() && row->path != nullptr) return row->path;
     AT_LOG_ERR("fileId = [%d] get pathId error", fileId);
     return nullptr;
 }

@@ -336,21 +336,9 @@ TEST(AtsUsim, HomePlmn) {
     EXPECT_EQ(AtAphPlmnByCrsm(nullptr), -1);
 }
 
-// The card type is asked before the first file only.
-TEST(AtsUsim, CardTypeAskedOnce) {
-    usim::ResetCardModeCache();
-    IsolatedRuntime runtime;
-    ScriptedModem modem(
-        runtime, {CardMode(2), Ok(kIccidUsim, kIccidReply), Ok(kSpn, "+CRSM: 144,0,\"00\"")});
-    IccidInfo iccid{};
-    char spn[8];
-    EXPECT_EQ(AtGetIccidByCrsm(&iccid), 0);
-    EXPECT_EQ(AtGetSpnByCrsm(spn, sizeof spn), 0);
-    modem.Verify();
-}
-
 // Threads that read at once either ask for the card type themselves or find
-// it stored; none races another, and once stored nobody asks again.
+// it stored; none races another, and once stored nobody asks again (the
+// second round sends no ^CARDMODE).
 TEST(AtsUsim, ConcurrentReaders) {
     constexpr int kThreads = 16;
     usim::ResetCardModeCache();

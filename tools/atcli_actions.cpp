@@ -153,6 +153,17 @@ Fields &Fields::Number(std::string name, int64_t value) {
     return *this;
 }
 
+Fields &Fields::List(std::string name, const std::vector<std::string> &values) {
+    std::string json = "[";
+    std::string plain;
+    for (const std::string &value : values) {
+        json += (json.size() > 1 ? "," : "") + JsonString(value);
+        plain += (plain.empty() ? "" : ", ") + value;
+    }
+    fields_.push_back({std::move(name), json + "]", plain});
+    return *this;
+}
+
 std::string Fields::Json() const {
     std::string out = "{";
     for (const Field &field : fields_) {

@@ -92,6 +92,8 @@ class Fields {
   public:
     Fields &Text(std::string name, std::string value);
     Fields &Number(std::string name, int64_t value);
+    // A list of texts: a JSON array, or the texts joined by ", " for people.
+    Fields &List(std::string name, const std::vector<std::string> &values);
     std::string Json() const;
     void Print(bool json) const;
 

@@ -7,14 +7,9 @@ namespace atcli {
 namespace {
 
 constexpr SubCommand kSubCommands[] = {
-    {"pin", PinActions},
-    {"pdp", PdpActions},
-    {"dial", DialActions},
-    {"identity", IdentityActions},
-    {"device", DeviceActions},
-    {"time", TimeActions},
-    {"call", CallActions},
-    {"ecall", ECallActions},
+    {"pin", PinActions},           {"pdp", PdpActions},       {"dial", DialActions},
+    {"identity", IdentityActions}, {"device", DeviceActions}, {"time", TimeActions},
+    {"call", CallActions},         {"ecall", ECallActions},   {"sim", SimActions},
 };
 
 }  // namespace

@@ -18,6 +18,7 @@ std::span<const Action> DeviceActions();
 std::span<const Action> TimeActions();
 std::span<const Action> CallActions();
 std::span<const Action> ECallActions();
+std::span<const Action> SimActions();
 
 struct SubCommand {
     std::string_view name;

@@ -12,6 +12,7 @@
 #include "ats_device.h"
 #include "ats_ndis.h"
 #include "ats_security.h"
+#include "ats_usim.h"
 #include "m2m_ats_call.h"
 
 #endif

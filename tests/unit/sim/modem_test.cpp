@@ -135,7 +135,7 @@ TEST(DefaultScenario, RepliesFillEveryTemplateField) {
         {"AT+CLCK=\"SC\",2", 2, kSet}, {"AT^CARDLOCK?", 2}, {"AT^CARDMODE", 2}, {"AT^CARDTYPE?", 2},
         {"AT^SIMSQ?", 14}, {"AT^ESIMEID?", 14}, {"AT^ICCID?", 14},
         {"AT+CRSM=176,12258,0,0,10,,\"3F00\"", 14}, {"AT+CSIM=10,\"00A4000400\"", 14},
-        {"AT+CNUM", 14}, {"AT+CGDCONT?", 25, 0, 3}, {"AT^AUTHDATA?", 24, 0, 3}, {"AT^DHCP?", 21},
+        {"AT+CNUM", 14, 0, 2}, {"AT+CGDCONT?", 25, 0, 3}, {"AT^AUTHDATA?", 24, 0, 3}, {"AT^DHCP?", 21},
         {"AT^DHCPV6?", 21}, {"AT^APRAINFO=1", 23}, {"AT^APCONNST?", 17}, {"AT^NDISSTATQRY?", 17},
         {"AT^NDISSTATQRY=2", 17}, {"AT^NDISSTATQRY=?", 17, kTest, 1, true}, {"AT^IPV6CAP?", 17},
         {"AT^HFEATURESTAT=3", 28}, {"AT^DCONNSTAT?", 27, 0, 2}, {"AT+CGACT?", 1, 0, 3},

@@ -1,0 +1,15 @@
+// Feeds arbitrary text as EF SPN's hex to the service provider name decoder,
+// into buffers of every size up to 32 bytes.
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+#include "service/ats_usim_internal.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
+    if (size == 0) return 0;
+    const std::string hex(reinterpret_cast<const char *>(data) + 1, size - 1);
+    char out[32];
+    atapi::usim::SpnFromHex(hex.c_str(), out, 1 + data[0] % sizeof out);
+    return 0;
+}

@@ -1,0 +1,372 @@
+// SIM file access against the scripted modem: the directory each card type
+// reads a file from, the exact +CRSM lines, the files decoded from real
+// cards' replies, the status words each reader accepts, and the card type
+// asked once per process, also by threads that read at once.
+#include "atapi/ats_usim.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <functional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "command_cases.h"
+#include "service/ats_usim_internal.h"
+
+namespace atapi::test {
+namespace {
+
+constexpr unsigned char kFill = 0x5A;
+
+Step CardMode(int mode) {
+    return Ok("AT^CARDMODE", "^CARDMODE: " + std::to_string(mode)).Prefix("^CARDMODE");
+}
+
+constexpr char kIccidUsim[] = "AT+CRSM=176,12258,0,0,10,,\"3F00\"";
+constexpr char kIccidReply[] = "+CRSM: 144,0,\"989420021032547698F7\"";
+constexpr char kIccid[] = "8949022001234567897";
+
+// Paths: which directory a card type reads a file from, and when the
+// request's own path serves.
+TEST(AtsUsim, CrsmPaths) {
+    struct Case {
+        const char *name;
+        std::vector<Step> cardMode;
+        int32_t fileId;
+        const char *path;     // the request's
+        std::string command;  // empty: nothing is sent after the card mode
+    };
+    const std::vector<Case> cases = {
+        {"ICCID on a USIM", {CardMode(2)}, 0x2FE2, "3F00", kIccidUsim},
+        {"ICCID on a SIM lies under DF GSM",
+         {CardMode(1)},
+         0x2FE2,
+         "3F00",
+         "AT+CRSM=176,12258,0,0,10,,\"3F007F20\""},
+        {"the table's path replaces the request's",
+         {CardMode(2)},
+         0x6F46,
+         "3F00",
+         "AT+CRSM=176,28486,0,0,10,,\"3F007FFF\""},
+        {"EF 6F38 keeps DF GSM on a USIM",
+         {CardMode(2)},
+         0x6F38,
+         nullptr,
+         "AT+CRSM=176,28472,0,0,10,,\"3F007F20\""},
+        {"EF SPDI is not in the SIM table",
+         {CardMode(1)},
+         0x6FCD,
+         "3F007FFF",
+         "AT+CRSM=176,28621,0,0,10,,\"3F007FFF\""},
+        {"a table row without a path",
+         {CardMode(2)},
+         0x6FFE,
+         "3F00",
+         "AT+CRSM=176,28670,0,0,10,,\"3F00\""},
+        {"a file in no table, no path of its own", {CardMode(2)}, 0x6F07, nullptr, ""},
+        {"an unsupported card type", {CardMode(3)}, 0x2FE2, "3F00", kIccidUsim},
+        {"card type unknown",
+         {Fails("AT^CARDMODE", AT_RET_ERROR, "ERROR")},
+         0x2FE2,
+         "3F00",
+         kIccidUsim},
+        {"card type unknown, no path",
+         {Fails("AT^CARDMODE", AT_RET_ERROR, "ERROR")},
+         0x6F46,
+         nullptr,
+         ""},
+    };
+    for (const Case &c : cases) {
+        SCOPED_TRACE(c.name);
+        usim::ResetCardModeCache();
+        IsolatedRuntime runtime;
+        std::vector<Step> script = c.cardMode;
+        if (!c.command.empty()) script.push_back(Ok(c.command, "+CRSM: 144,0,\"00\""));
+        ScriptedModem modem(runtime, script);
+        CrsmRequest q{AT_CRSM_READ_BINARY, c.fileId, 0, 0, 10, nullptr, c.path};
+        CrsmResult r{};
+        EXPECT_EQ(AtCrsm(&q, &r), c.command.empty() ? -1 : 0);
+        modem.Verify();
+        std::free(r.response);
+    }
+}
+
+TEST(AtsUsim, CrsmResult) {
+    usim::ResetCardModeCache();
+    IsolatedRuntime runtime;
+    ScriptedModem modem(runtime, {CardMode(2)});
+    CrsmResult r{0, 0, static_cast<char *>(std::malloc(4)), kFill};
+    struct Case {
+        const char *name;
+        CrsmRequest request;
+        Step step;
+        int32_t result;
+        uint32_t sw1, sw2;
+        const char *response;  // null: the earlier one is kept
+        int32_t errorId;
+    };
+    const std::vector<Case> cases = {
+        {"update with data, unquoted",
+         {214, 0x6F46, 0, 0, 3, "010203", nullptr},
+         Ok("AT+CRSM=214,28486,0,0,3,010203,\"3F007FFF\"", "+CRSM: 144,0").Timeout(30),
+         0,
+         144,
+         0,
+         "",
+         AT_ERRID_OK},
+        {"file not found, no response",
+         {AT_CRSM_READ_BINARY, 0x6F3E, 0, 0, 0, nullptr, nullptr},
+         Ok("AT+CRSM=176,28478,0,0,0,,\"3F007FFF\"", "+CRSM: 106,130"),
+         0,
+         106,
+         130,
+         "",
+         AT_ERRID_OK},
+        {"a new response replaces the last",
+         {AT_CRSM_READ_BINARY, 0x2FE2, 0, 0, 10, nullptr, "3F00"},
+         Ok(kIccidUsim, kIccidReply),
+         0,
+         144,
+         0,
+         "989420021032547698F7",
+         AT_ERRID_OK},
+        {"an error reply keeps the last response",
+         {AT_CRSM_READ_BINARY, 0x2FE2, 0, 0, 10, nullptr, "3F00"},
+         Fails(kIccidUsim, AT_RET_CME_ERROR, "+CME ERROR: 10"),
+         -1,
+         144,
+         0,
+         "989420021032547698F7",
+         13},
+    };
+    for (const Case &c : cases) {
+        SCOPED_TRACE(c.name);
+        modem.Expect({c.step});
+        CrsmRequest q = c.request;
+        EXPECT_EQ(AtCrsm(&q, &r), c.result);
+        modem.Verify();
+        EXPECT_EQ(r.sw1, c.sw1);
+        EXPECT_EQ(r.sw2, c.sw2);
+        ASSERT_NE(r.response, nullptr);
+        EXPECT_STREQ(r.response, c.response);
+        EXPECT_EQ(r.errorId, c.errorId);
+    }
+    std::free(r.response);
+    CrsmRequest q{};
+    EXPECT_EQ(AtCrsm(nullptr, &r), -1);
+    EXPECT_EQ(AtCrsm(&q, nullptr), -1);
+}
+
+TEST(AtsUsim, Iccid) {
+    const auto read = [](IccidInfo &r) {
+        usim::ResetCardModeCache();
+        return AtGetIccidByCrsm(&r);
+    };
+    const auto iccidIs = [](const char *iccid) {
+        return [iccid](IccidInfo &r) {
+            SetText(r.iccid, iccid);
+            r.errorId = AT_ERRID_OK;
+        };
+    };
+    // clang-format off
+    RunCommandCases<IccidInfo>({
+        {"19 digits with filler", read, {CardMode(2), Ok(kIccidUsim, kIccidReply)}, 0,
+         iccidIs(kIccid)},
+        {"20 digits from a SIM", read,
+         {CardMode(1), Ok("AT+CRSM=176,12258,0,0,10,,\"3F007F20\"",
+                          "+CRSM: 144,0,\"98101430121181157002\"")},
+         0, iccidIs("89014103211118510720")},
+        {"odd length", read, {CardMode(2), Ok(kIccidUsim, "+CRSM: 144,0,\"989420021\"")}, -1},
+        {"file not found", read, {CardMode(2), Ok(kIccidUsim, "+CRSM: 106,130")}, -1},
+        {"error reply", read,
+         {CardMode(2), Fails(kIccidUsim, AT_RET_CME_ERROR, "+CME ERROR: 10")}, -1},
+    }, Filled<IccidInfo>(kFill));
+    // clang-format on
+    EXPECT_EQ(AtGetIccidByCrsm(nullptr), -1);
+}
+
+// The other readers, each with its outcome as text: the result, then what
+// it wrote.
+struct ReadCase {
+    const char *name;
+    std::function<std::string()> read;
+    std::vector<Step> script;
+    std::string outcome;
+};
+
+void RunReadCases(const std::vector<ReadCase> &cases) {
+    for (const ReadCase &c : cases) {
+        SCOPED_TRACE(c.name);
+        usim::ResetCardModeCache();
+        IsolatedRuntime runtime;
+        ScriptedModem modem(runtime, c.script);
+        EXPECT_EQ(c.read(), c.outcome);
+        modem.Verify();
+    }
+}
+
+std::string Outcome(int32_t result, const std::string &text) {
+    return std::to_string(result) + " " + text;
+}
+
+std::string ReadSpn() {
+    char buf[40] = "x";
+    const int32_t ret = AtGetSpnByCrsm(buf, sizeof buf);
+    return Outcome(ret, buf);
+}
+
+std::string ReadGid() {
+    char buf[8] = "x";
+    const int32_t ret = AtGetSimGid(buf, sizeof buf);
+    return Outcome(ret, buf);
+}
+
+std::string ReadApns() {
+    SimApnNode *head = nullptr;
+    const int32_t ret = AtGetSimApn(&head);
+    std::string apns;
+    for (const SimApnNode *n = head; n != nullptr; n = n->next) apns += std::string(n->apn) + ";";
+    FreeApnList(&head);
+    return Outcome(ret, apns);
+}
+
+std::string ReadSpdi() {
+    char out[24] = "x";
+    AtGetEfspdiPlmn(out, sizeof out);
+    return out;
+}
+
+std::string ReadMnc() { return std::to_string(AtGetMncLength()); }
+
+constexpr char kSpn[] = "AT+CRSM=176,28486,0,0,17,,\"3F007FFF\"";
+constexpr char kVodafone[] = "01566F6461666F6E65FFFFFFFFFFFFFFFF";
+constexpr char kGid[] = "AT+CRSM=176,28478,0,0,0,,\"3F007FFF\"";
+constexpr char kAcl[] = "AT+CRSM=176,28503,0,0,255,,\"3F007FFF\"";
+constexpr char kAcl2[] = "02DD0908696E7465726E6574DD100377656208766F6461666F6E65026465FFFF";
+constexpr char kSpdi[] = "AT+CRSM=176,28621,0,0,0,,\"3F007FFF\"";
+constexpr char kAd[] = "AT+CRSM=176,28589,0,0,0,,\"3F007FFF\"";
+
+TEST(AtsUsim, FileReaders) {
+    const std::string vodafone = "+CRSM: 144,0,\"" + std::string(kVodafone) + "\"";
+    const std::string acl = std::string("+CRSM: 144,0,\"") + kAcl2 + "\"";
+    // clang-format off
+    RunReadCases({
+        {"SPN as the card's hex", ReadSpn, {CardMode(2), Ok(kSpn, vodafone)},
+         Outcome(0, kVodafone)},
+        {"SPN on a SIM", ReadSpn,
+         {CardMode(1), Ok("AT+CRSM=176,28486,0,0,17,,\"3F007F20\"", vodafone)},
+         Outcome(0, kVodafone)},
+        {"SPN: status words are not examined", ReadSpn,
+         {CardMode(2), Ok(kSpn, "+CRSM: 98,130,\"00\"")}, Outcome(0, "00")},
+        {"SPN empty", ReadSpn, {CardMode(2), Ok(kSpn, "+CRSM: 106,130")}, Outcome(-1, "x")},
+        {"SPN refused", ReadSpn, {CardMode(2), Fails(kSpn, AT_RET_ERROR, "ERROR")},
+         Outcome(-1, "x")},
+        {"GID1", ReadGid, {CardMode(2), Ok(kGid, "+CRSM: 144,0,\"12FF\"")}, Outcome(0, "12FF")},
+        {"GID1 too long for the buffer", ReadGid,
+         {CardMode(2), Ok(kGid, "+CRSM: 144,0,\"12FFFFFFFF\"")}, Outcome(-1, "")},
+        {"GID1 not on a SIM's table: no path", ReadGid, {CardMode(1)}, Outcome(-1, "x")},
+        {"APN list", ReadApns, {CardMode(2), Ok(kAcl, acl)},
+         Outcome(0, "internet;web.vodafone.de;")},
+        {"APN list with extra information", ReadApns,
+         {CardMode(2), Ok(kAcl, "+CRSM: 145,12,\"01DD0403696D73\"")}, Outcome(0, "ims;")},
+        {"APN list empty", ReadApns, {CardMode(2), Ok(kAcl, "+CRSM: 144,0,\"00FFFFFF\"")},
+         Outcome(-1, "")},
+        {"APN list malformed", ReadApns, {CardMode(2), Ok(kAcl, "+CRSM: 144,0,\"01DD09\"")},
+         Outcome(-1, "")},
+        {"APN list: file not found", ReadApns,
+         {CardMode(2), Ok(kAcl, "+CRSM: 106,130,\"01DD0403696D73\"")}, Outcome(-1, "")},
+        {"APN list too short", ReadApns, {CardMode(2), Ok(kAcl, "+CRSM: 144,0,\"01\"")},
+         Outcome(-1, "")},
+        {"SPDI", ReadSpdi,
+         {CardMode(2), Ok(kSpdi, "+CRSM: 144,0,\"A30B800964F01062F210130062FFFFFF\"")},
+         "x 46001 26201 310260"},
+        {"SPDI not tagged", ReadSpdi, {CardMode(2), Ok(kSpdi, "+CRSM: 144,0,\"FFFFFFFF\"")},
+         "x"},
+        {"SPDI only with 90 00", ReadSpdi,
+         {CardMode(2), Ok(kSpdi, "+CRSM: 145,0,\"A30B800964F01062F210130062\"")}, "x"},
+        {"SPDI not hex", ReadSpdi, {CardMode(2), Ok(kSpdi, "+CRSM: 144,0,\"A30B8009Z4F010\"")},
+         "x"},
+        {"MNC length 2", ReadMnc, {CardMode(2), Ok(kAd, "+CRSM: 144,0,\"00000002\"")}, "2"},
+        {"MNC length 3 with extra information", ReadMnc,
+         {CardMode(2), Ok(kAd, "+CRSM: 145,4,\"00000003\"")}, "3"},
+        {"MNC length: other status", ReadMnc, {CardMode(2), Ok(kAd, "+CRSM: 144,1,\"00000002\"")},
+         "-1"},
+        {"EF AD too short", ReadMnc, {CardMode(2), Ok(kAd, "+CRSM: 144,0,\"000000\"")}, "-1"},
+        {"MNC length on a SIM", ReadMnc,
+         {CardMode(1), Ok("AT+CRSM=176,28589,0,0,0,,\"3F007F20\"", "+CRSM: 144,0,\"00000002\"")},
+         "2"},
+    });
+    // clang-format on
+    EXPECT_EQ(AtGetSpnByCrsm(nullptr, 8), -1);
+    EXPECT_EQ(AtGetSimGid(nullptr, 8), -1);
+    EXPECT_EQ(AtGetSimApn(nullptr), -1);
+    AtGetEfspdiPlmn(nullptr, 8);
+}
+
+TEST(AtsUsim, HomePlmn) {
+    const auto read = [](AphPlmnInfo &r) {
+        usim::ResetCardModeCache();
+        return AtAphPlmnByCrsm(&r);
+    };
+    const auto plmnIs = [](const char *plmn) {
+        return [plmn](AphPlmnInfo &r) {
+            SetText(r.plmn, plmn);
+            r.errorId = AT_ERRID_OK;
+        };
+    };
+    const auto ad = [](const char *hex) {
+        return Ok(kAd, std::string("+CRSM: 144,0,\"") + hex + "\"");
+    };
+    // clang-format off
+    RunCommandCases<AphPlmnInfo>({
+        {"two-digit MNC", read, {Ok("AT+CIMI", "262011234567890"), CardMode(2), ad("00000002")},
+         0, plmnIs("26201")},
+        {"three-digit MNC", read, {Ok("AT+CIMI", "310260123456789"), CardMode(2), ad("00000003")},
+         0, plmnIs("310260")},
+        {"MNC length 0", read, {Ok("AT+CIMI", "262011234567890"), CardMode(2), ad("00000000")},
+         -1},
+        {"MNC longer than the IMSI allows", read,
+         {Ok("AT+CIMI", "26201"), CardMode(2), ad("00000003")}, -1},
+        {"EF AD unreadable", read,
+         {Ok("AT+CIMI", "262011234567890"), CardMode(2), Ok(kAd, "+CRSM: 106,130")}, -1},
+        {"IMSI refused", read, {Fails("AT+CIMI", AT_RET_CME_ERROR, "+CME ERROR: 10")}, -1},
+    }, Filled<AphPlmnInfo>(kFill));
+    // clang-format on
+    EXPECT_EQ(AtAphPlmnByCrsm(nullptr), -1);
+}
+
+// Threads that read at once either ask for the card type themselves or find
+// it stored; none races another, and once stored nobody asks again (the
+// second round sends no ^CARDMODE).
+TEST(AtsUsim, ConcurrentReaders) {
+    constexpr int kThreads = 16;
+    usim::ResetCardModeCache();
+    IsolatedRuntime runtime;
+    ScriptedModem modem(runtime);
+    modem.AnswerEachWith({CardMode(2), Ok(kIccidUsim, kIccidReply)});
+    const auto readAll = [&modem] {
+        std::vector<IccidInfo> read(kThreads, Filled<IccidInfo>(kFill));
+        std::vector<int32_t> results(kThreads, -7);
+        std::vector<std::thread> threads;
+        for (int t = 0; t < kThreads; ++t) {
+            threads.emplace_back([&read, &results, t] { results[t] = AtGetIccidByCrsm(&read[t]); });
+        }
+        for (auto &th : threads) th.join();
+        for (int t = 0; t < kThreads; ++t) {
+            EXPECT_EQ(results[t], 0) << "thread " << t;
+            EXPECT_STREQ(read[t].iccid, kIccid) << "thread " << t;
+        }
+        const std::vector<std::string> sent = modem.Sent();
+        return std::count(sent.begin(), sent.end(), "AT^CARDMODE");
+    };
+    const auto asked = readAll();
+    EXPECT_GE(asked, 1);
+    EXPECT_LE(asked, kThreads);
+    EXPECT_EQ(readAll(), asked) << "a stored card type was asked again";
+    modem.Verify();
+    usim::ResetCardModeCache();
+}
+
+}  // namespace
+}  // namespace atapi::test

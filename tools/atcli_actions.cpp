@@ -206,6 +206,15 @@ bool ParseNumber(const char *text, uint32_t max, uint32_t *out) {
     return true;
 }
 
+int PrintReads(std::span<const FieldsReader> readers, const Args &args) {
+    Fields fields;
+    for (const FieldsReader read : readers) {
+        if (const int exitCode = read(&fields); exitCode != kExitOk) return exitCode;
+    }
+    fields.Print(args.json);
+    return kExitOk;
+}
+
 bool Refuse(const std::string &what) {
     std::fprintf(stderr, "atcli: %s\n", what.c_str());
     return false;

@@ -106,6 +106,20 @@ class Fields {
     std::vector<Field> fields_;
 };
 
+// Reads values into fields; an exit code.
+using FieldsReader = int (*)(Fields *);
+
+// Runs the readers in turn into one result, stopping at the first that
+// fails, and prints the result when all succeeded; an exit code.
+int PrintReads(std::span<const FieldsReader> readers, const Args &args);
+
+// An action that prints what one reader reads.
+template <FieldsReader Read>
+int PrintRead(const Args &args) {
+    constexpr FieldsReader kReaders[] = {Read};
+    return PrintReads(kReaders, args);
+}
+
 // A fixed-size text field of a record as a string (up to its first NUL).
 template <std::size_t N>
 std::string FieldText(const char (&field)[N]) {

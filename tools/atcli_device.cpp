@@ -55,26 +55,13 @@ int ReadNvRestore(Fields *fields) {
     return exitCode;
 }
 
-template <int (*Read)(Fields *)>
-int One(const Args &args) {
-    Fields fields;
-    const int exitCode = Read(&fields);
-    if (exitCode == kExitOk) fields.Print(args.json);
-    return exitCode;
-}
+constexpr FieldsReader kAllReads[] = {ReadSku, ReadThermal, ReadWatchdog, ReadNvRestore};
 
-int All(const Args &args) {
-    Fields fields;
-    for (int (*read)(Fields *) : {ReadSku, ReadThermal, ReadWatchdog, ReadNvRestore}) {
-        if (const int exitCode = read(&fields); exitCode != kExitOk) return exitCode;
-    }
-    fields.Print(args.json);
-    return kExitOk;
-}
+int All(const Args &args) { return PrintReads(kAllReads, args); }
 
 int Sku(const Args &args) {
     const char *value = args.Option("--set");
-    if (value == nullptr) return One<ReadSku>(args);
+    if (value == nullptr) return PrintRead<ReadSku>(args);
     uint32_t sku = 0;
     if (!ParseNumber(value, kMaxSku, &sku)) return UsageError("--set takes an SKU of 0 to 2");
     // The SKU set form stores no error id: success is its result alone.
@@ -87,7 +74,7 @@ int Sku(const Args &args) {
 
 int Watchdog(const Args &args) {
     const char *value = args.Option("--set");
-    if (value == nullptr) return One<ReadWatchdog>(args);
+    if (value == nullptr) return PrintRead<ReadWatchdog>(args);
     WatchdogInfo watchdog{};
     if (!ParseNumber(value, kMaxWatchdogTime, &watchdog.watchdogTime)) {
         return UsageError("--set takes a watchdog time");
@@ -129,9 +116,9 @@ int Bands(const Args &args) {
 constexpr Action kActions[] = {
     {"all", "", 0, 0, {}, {}, All},
     {"sku", "[--set N]", 0, 0, {"--set"}, {}, Sku},
-    {"thermal", "", 0, 0, {}, {}, One<ReadThermal>},
+    {"thermal", "", 0, 0, {}, {}, PrintRead<ReadThermal>},
     {"watchdog", "[--set TIME]", 0, 0, {"--set"}, {}, Watchdog},
-    {"nv", "", 0, 0, {}, {}, One<ReadNvRestore>},
+    {"nv", "", 0, 0, {}, {}, PrintRead<ReadNvRestore>},
     {"bands", "", 0, 0, {}, {}, Bands},
 };
 

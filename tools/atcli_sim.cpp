@@ -85,32 +85,17 @@ int ReadApns(Fields *fields) {
     return exitCode;
 }
 
-constexpr int (*kReads[])(Fields *) = {ReadIccid, ReadSpn, ReadPlmns, ReadNumbers, ReadApns};
+constexpr FieldsReader kReads[] = {ReadIccid, ReadSpn, ReadPlmns, ReadNumbers, ReadApns};
 
-template <int (*Read)(Fields *)>
-int One(const Args &args) {
-    Fields fields;
-    const int exitCode = Read(&fields);
-    if (exitCode == kExitOk) fields.Print(args.json);
-    return exitCode;
-}
-
-int All(const Args &args) {
-    Fields fields;
-    for (const auto read : kReads) {
-        if (const int exitCode = read(&fields); exitCode != kExitOk) return exitCode;
-    }
-    fields.Print(args.json);
-    return kExitOk;
-}
+int All(const Args &args) { return PrintReads(kReads, args); }
 
 constexpr Action kActions[] = {
     {"all", "", 0, 0, {}, {}, All},
-    {"iccid", "", 0, 0, {}, {}, One<ReadIccid>},
-    {"spn", "", 0, 0, {}, {}, One<ReadSpn>},
-    {"plmn", "", 0, 0, {}, {}, One<ReadPlmns>},
-    {"numbers", "", 0, 0, {}, {}, One<ReadNumbers>},
-    {"apns", "", 0, 0, {}, {}, One<ReadApns>},
+    {"iccid", "", 0, 0, {}, {}, PrintRead<ReadIccid>},
+    {"spn", "", 0, 0, {}, {}, PrintRead<ReadSpn>},
+    {"plmn", "", 0, 0, {}, {}, PrintRead<ReadPlmns>},
+    {"numbers", "", 0, 0, {}, {}, PrintRead<ReadNumbers>},
+    {"apns", "", 0, 0, {}, {}, PrintRead<ReadApns>},
 };
 
 }  // namespace

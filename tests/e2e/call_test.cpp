@@ -20,23 +20,8 @@ namespace {
 constexpr auto kProgressLimit = std::chrono::seconds(5);
 constexpr char kCalled[] = "+15551230002";
 
-class CallTest : public ::testing::Test {
+class CallTest : public ShippedScenarioTest {
   protected:
-    void SetUp() override {
-        runtime_ = std::make_unique<test::IsolatedRuntime>();
-        server_ = std::make_unique<AtServerProcess>(*runtime_);
-        server_->Start(std::string(ATSIM_SCENARIO_DIR) + "/default.scn", {"--sim-arg", "--no-urc"});
-    }
-    void TearDown() override {
-        EXPECT_EQ(server_->Stop(), 0) << server_->Log();
-        ExpectNothingLeft();
-    }
-
-    ProcessResult Cli(std::vector<std::string> args) const {
-        args.insert(args.begin(), CliProgram());
-        return RunProcess(args, runtime_->Root());
-    }
-
     std::vector<std::string> Reported() const {
         std::ifstream in(server_->ReportPath());
         std::vector<std::string> lines;
@@ -55,9 +40,6 @@ class CallTest : public ::testing::Test {
                 << ReadFile(server_->ReportPath());
         }
     }
-
-    std::unique_ptr<test::IsolatedRuntime> runtime_;
-    std::unique_ptr<AtServerProcess> server_;
 };
 
 // One OK exchange and its reply text.

@@ -258,6 +258,29 @@ void E2eTest::TearDown() {
     runtime_.reset();
 }
 
+void ShippedScenarioTest::SetUp() {
+    runtime_ = std::make_unique<test::IsolatedRuntime>();
+    server_ = std::make_unique<AtServerProcess>(*runtime_);
+    std::vector<std::string> args{"--sim-arg", "--no-urc"};
+    for (const std::string &rule : FailRules()) {
+        args.insert(args.end(), {"--sim-arg", "--fail", "--sim-arg", rule});
+    }
+    server_->Start(std::string(ATSIM_SCENARIO_DIR) + "/default.scn", args);
+}
+
+void ShippedScenarioTest::TearDown() {
+    if (server_ == nullptr || server_->Pid() <= 0) return;
+    EXPECT_EQ(server_->Stop(), 0) << server_->Log();
+    ExpectNothingLeft();
+}
+
+ProcessResult ShippedScenarioTest::Cli(const std::vector<std::string> &args,
+                                       const std::string &input) const {
+    std::vector<std::string> argv{CliProgram()};
+    argv.insert(argv.end(), args.begin(), args.end());
+    return RunProcess(argv, runtime_->Root(), input);
+}
+
 std::string LongReplyLine(int n) {
     return "+E2ELONG: " + std::to_string(10 + n) + " " + std::string(50, 'x');
 }

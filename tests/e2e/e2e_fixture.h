@@ -98,6 +98,21 @@ class E2eTest : public ::testing::Test {
     std::string scenario_;
 };
 
+// A server per test on the shipped default scenario, without periodic
+// lines; TearDown checks that it stops cleanly and leaves nothing behind.
+class ShippedScenarioTest : public ::testing::Test {
+  protected:
+    void SetUp() override;
+    void TearDown() override;
+    // atsim's --fail rules for the test.
+    virtual std::vector<std::string> FailRules() const { return {}; }
+    // atcli with args (and input on its standard input), to its end.
+    ProcessResult Cli(const std::vector<std::string> &args, const std::string &input = "") const;
+
+    std::unique_ptr<test::IsolatedRuntime> runtime_;
+    std::unique_ptr<AtServerProcess> server_;
+};
+
 // Replies of the test scenario.
 inline constexpr char kManufacturer[] = "E2E Modem Works";
 inline constexpr char kPdpContexts[] =

@@ -20,32 +20,7 @@ constexpr char kPin[] = "1234";  // the default scenario's PIN
 
 // atserver on the default scenario, without periodic lines; stops cleanly
 // and leaves nothing behind.
-class SessionTest : public ::testing::Test {
-  protected:
-    void SetUp() override {
-        runtime_ = std::make_unique<test::IsolatedRuntime>();
-        server_ = std::make_unique<AtServerProcess>(*runtime_);
-        std::vector<std::string> args{"--sim-arg", "--no-urc"};
-        for (const std::string &rule : FailRules())
-            args.insert(args.end(), {"--sim-arg", "--fail", "--sim-arg", rule});
-        server_->Start(std::string(ATSIM_SCENARIO_DIR) + "/default.scn", args);
-    }
-    void TearDown() override {
-        if (server_->Pid() <= 0) return;
-        EXPECT_EQ(server_->Stop(), 0) << server_->Log();
-        ExpectNothingLeft();
-    }
-    virtual std::vector<std::string> FailRules() const { return {}; }
-
-    ProcessResult Cli(const std::vector<std::string> &args, const std::string &input = "") const {
-        std::vector<std::string> argv{CliProgram()};
-        argv.insert(argv.end(), args.begin(), args.end());
-        return RunProcess(argv, runtime_->Root(), input);
-    }
-
-    std::unique_ptr<test::IsolatedRuntime> runtime_;
-    std::unique_ptr<AtServerProcess> server_;
-};
+using SessionTest = ShippedScenarioTest;
 
 std::string PinTries() {
     CpinExInfo info{};

@@ -12,22 +12,7 @@
 namespace atapi::e2e {
 namespace {
 
-class SimFilesTest : public ::testing::Test {
-  protected:
-    void SetUp() override {
-        runtime_ = std::make_unique<test::IsolatedRuntime>();
-        server_ = std::make_unique<AtServerProcess>(*runtime_);
-        server_->Start(std::string(ATSIM_SCENARIO_DIR) + "/default.scn", {"--sim-arg", "--no-urc"});
-    }
-    void TearDown() override {
-        if (server_->Pid() <= 0) return;
-        EXPECT_EQ(server_->Stop(), 0) << server_->Log();
-        ExpectNothingLeft();
-    }
-
-    std::unique_ptr<test::IsolatedRuntime> runtime_;
-    std::unique_ptr<AtServerProcess> server_;
-};
+using SimFilesTest = ShippedScenarioTest;
 
 TEST_F(SimFilesTest, Library_ReadsTheCardsFiles) {
     IccidInfo iccid{};

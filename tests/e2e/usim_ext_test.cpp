@@ -1,8 +1,10 @@
 // SIM extensions and voice path settings through atserver and atsim on the
-// shipped default scenario.
+// shipped default scenario, from the library in this process and from
+// atcli.
 #include <cstdlib>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "atapi/m2m_ats_usim.h"
 #include "atapi/m2m_ats_voice_call.h"
@@ -22,6 +24,11 @@ class UsimExtTest : public ::testing::Test {
         if (server_->Pid() <= 0) return;
         EXPECT_EQ(server_->Stop(), 0) << server_->Log();
         ExpectNothingLeft();
+    }
+    ProcessResult Cli(const std::vector<std::string> &args) const {
+        std::vector<std::string> argv{CliProgram()};
+        argv.insert(argv.end(), args.begin(), args.end());
+        return RunProcess(argv, runtime_->Root());
     }
 
     std::unique_ptr<test::IsolatedRuntime> runtime_;
@@ -66,6 +73,14 @@ TEST_F(UsimExtTest, UsimExt_VoicePathWrittenAndReadBack) {
     EXPECT_EQ(read.errorId, AT_ERRID_OK);
 
     EXPECT_EQ(AtVmSet(AT_VOICE_MODE_MAX), 0);
+
+    const ProcessResult set = Cli({"voice", "mic", "--set", "7", "--json"});
+    EXPECT_EQ(set.exitCode, 0) << set.err;
+    EXPECT_EQ(set.out, "{\"mic_gain\":7}\n");
+    const ProcessResult get = Cli({"voice", "frequency"});
+    EXPECT_EQ(get.exitCode, 0) << get.err;
+    EXPECT_EQ(get.out, "pcm_frequency: 16000\n");
+    EXPECT_EQ(Cli({"voice", "mode", "7"}).exitCode, 64);
 }
 
 }  // namespace

@@ -72,10 +72,8 @@ TEST(M2mAtsSmsTrust, List) {
              entry(r.entries[1], 2, "10086");
              r.list.errorId = AT_ERRID_OK;
          }},
-        {"no numbers", read, {Ok("AT^TRUSTNUM?", "")}, 0, [](R &r) { r.list.errorId = AT_ERRID_OK; }},
         {"+CME ERROR", read, {Fails("AT^TRUSTNUM?", AT_RET_CME_ERROR, "+CME ERROR: 10")}, -1,
          [](R &r) { r.list.errorId = kCme10; }},
-        {"exchange failed", read, {ExchangeFails("AT^TRUSTNUM?")}, -1},
         {"count 0 sends nothing", [read](R &r) {
              r.list.count = 0;
              const int32_t ret = read(r);

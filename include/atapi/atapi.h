@@ -14,5 +14,8 @@
 #include "ats_security.h"
 #include "ats_usim.h"
 #include "m2m_ats_call.h"
+#include "m2m_ats_sms.h"
+#include "m2m_ats_usim.h"
+#include "m2m_ats_voice_call.h"
 
 #endif

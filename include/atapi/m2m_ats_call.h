@@ -183,12 +183,14 @@ typedef struct AtTrustNumEntry {
     char phonenum[28]; /* at most 25 characters */
 } AtTrustNumEntry;
 
-/** entries points to count (at least 1) entries that the caller clears. */
-typedef struct AtTrustNumList {
+/** entries points to count (at least 1) entries that the caller clears.
+ *  Named by its tag only: AtTrustNumList is also the SMS module's function
+ *  (m2m_ats_sms.h). */
+struct AtTrustNumList {
     int32_t count;
     AtTrustNumEntry *entries;
     int32_t errorId;
-} AtTrustNumList;
+};
 
 /** Calling line presentation (+CLIP). */
 ATAPI_EXPORT int32_t AtsClip(int32_t value);
@@ -214,7 +216,7 @@ ATAPI_EXPORT int32_t AtsCssn(AtsCssnInfo *info);
  *  range into index. */
 ATAPI_EXPORT int32_t AtTrustSpecialNum(int32_t operation, AtTrustNumInfo *trustNumInfo);
 /** Reads up to count trusted numbers; does not say how many were read. */
-ATAPI_EXPORT int32_t AtTrustSpecialNumList(AtTrustNumList *trustNumList);
+ATAPI_EXPORT int32_t AtTrustSpecialNumList(struct AtTrustNumList *trustNumList);
 
 /* ---- eCall -------------------------------------------------------------- */
 
@@ -286,7 +288,7 @@ ATAPI_STATIC_ASSERT(sizeof(AtsCcwaiInfo) == 12, "AtsCcwaiInfo is 12 bytes");
 ATAPI_STATIC_ASSERT(offsetof(AtTrustNumInfo, errorId) == 32 && sizeof(AtTrustNumInfo) == 36,
                     "AtTrustNumInfo is 36 bytes");
 ATAPI_STATIC_ASSERT(sizeof(AtTrustNumEntry) == 32, "AtTrustNumEntry is 32 bytes");
-ATAPI_STATIC_ASSERT(sizeof(AtTrustNumList) == (sizeof(void *) == 4 ? 12 : 24),
+ATAPI_STATIC_ASSERT(sizeof(struct AtTrustNumList) == (sizeof(void *) == 4 ? 12 : 24),
                     "AtTrustNumList: count, entries, errorId");
 ATAPI_STATIC_ASSERT(sizeof(AtsEclImsCfgInfo) == 68, "AtsEclImsCfgInfo is 68 bytes");
 ATAPI_STATIC_ASSERT(sizeof(AtsEclMsdInfo) == (sizeof(void *) == 4 ? 8 : 16),

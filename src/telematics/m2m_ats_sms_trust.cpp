@@ -1,0 +1,120 @@
+// Trusted numbers: the filter that lets only trusted numbers through for SMS
+// and voice calls (^TNUMCTL), and the list of those numbers (^TRUSTNUM).
+#include <cstring>
+
+#include "atapi/at_text.h"
+#include "atapi/m2m_ats_sms.h"
+#include "link/at_log.h"
+#include "platform/bounded.h"
+#include "telematics/m2m_ats_call_exchange.h"
+
+namespace {
+
+using namespace atapi::api;
+using atapi::ParseRows;
+using atapi::call::CallReply;
+
+constexpr char kTraceSrc[] = "atapi/src/m2m_ats_sms";
+
+constexpr CommandSpec kCtrlSet{.format = "AT^TNUMCTL=%d,%d,0"};
+constexpr CommandSpec kCtrlQuery{
+    .format = "AT^TNUMCTL?", .parsePrefix = "^TNUMCTL", .moduleId = module::kSysCfg};
+constexpr char kCtrlFormatError[] = "TNUMCTL snprintf_s ret:%d\n";
+constexpr CommandSpec kList{
+    .format = "AT^TRUSTNUM?", .parsePrefix = "^TRUSTNUM", .moduleId = module::kSysCfg};
+constexpr size_t kPhonenumSize = sizeof(TrustNumEntry::phonenum);
+
+// The outcome of an exchange that came back: OK stores -2 and gives 0, an
+// error reply with a cause stores its id, anything else leaves errorId.
+int32_t Outcome(CallReply &reply, int32_t &errorId) {
+    if (reply.CauseError()) errorId = reply.MappedErrorId();
+    if (!reply.Ok()) return -1;
+    errorId = AT_ERRID_OK;
+    return 0;
+}
+
+void ReadSwitches(CallReply &reply, TrustNumCtrl &ctrl) {
+    int32_t status = 0;  // a failed parse reads as no fields
+    const ParseRows rows = reply.Parse(kCtrlQuery, &status);
+    ForEachField(rows.Get(), [&ctrl](const char *name, const char *value) {
+        if (SafeStrCmp(name, "status") == 0) {
+            ctrl.smsSwitch = SafeStrAtoi(value);
+            AT_LOG_INFO("AT^TNUMCTL? sms_switch=%d\n", ctrl.smsSwitch);
+        } else if (SafeStrCmp(name, "voice_switch") == 0) {
+            ctrl.voiceSwitch = SafeStrAtoi(value);
+            AT_LOG_INFO("AT^TNUMCTL? voice_switch=%d\n", ctrl.voiceSwitch);
+        } else {
+            AT_LOG_DETAIL("do not care.\n");
+        }
+    });
+}
+
+// The line starting at its '^' into entry; false when it parses to nothing.
+// A number that does not fit leaves phonenum as the bounded copy left it.
+bool ReadLine(char *line, TrustNumEntry &entry) {
+    int32_t status = 0;
+    const ParseRows rows = ParseReply(kList, line, &status);
+    if (rows.Get() == nullptr) return false;
+    for (const AtCmdParseNode *node = rows.Get(); node != nullptr; node = node->nextField) {
+        const char *name = node->atFieldName;
+        const char *value = node->atFieldValue;
+        if (name == nullptr || value == nullptr) continue;
+        if (SafeStrCmp(name, "index") == 0) {
+            entry.index = SafeStrAtoi(value);
+        } else if (SafeStrCmp(name, "phonenum") == 0) {
+            const errno_t ret = strncpy_s(entry.phonenum, kPhonenumSize, value, std::strlen(value));
+            if (ret != 0) {
+                AT_LOG_ERR("trustNumList strncpy_s ret: %d.\n", ret);
+                break;
+            }
+        }
+    }
+    return true;
+}
+
+}  // namespace
+
+extern "C" {
+
+int32_t AtTrustNumCtrl(uint32_t op, TrustNumCtrl *ctrl) {
+    if (ctrl == nullptr) {
+        AT_LOG_ERR("[AtTrustNumCtrl] param in is null\n");
+        return -1;
+    }
+    if (op != AT_TRUSTNUM_SET && op != AT_TRUSTNUM_QUERY) return -1;
+    CallReply reply(op == AT_TRUSTNUM_SET ? Command(kCtrlSet, ctrl->smsSwitch, ctrl->voiceSwitch)
+                                          : Command(kCtrlQuery),
+                    kCtrlFormatError);
+    if (reply.Status() != 0) {
+        AT_LOG_ERR("GetDataFromAtServer fail.\n");
+        return -1;
+    }
+    if (Outcome(reply, ctrl->errorId) != 0) return -1;
+    if (op == AT_TRUSTNUM_QUERY) ReadSwitches(reply, *ctrl);
+    return 0;
+}
+
+int32_t AtTrustNumList(TrustNumList *list) {
+    if (list == nullptr || list->entries == nullptr) {
+        AT_LOG_ERR("[at_trustnum_test] param in is null\n");
+        return -1;
+    }
+    if (list->count <= 0) {
+        AT_LOG_ERR("[at_trustnum_test] trustNumList->count param in is null\n");
+        return -1;
+    }
+    CallReply reply(Command(kList), "TRUSTNUM, snprintf_s ret:%d\n");
+    if (reply.Status() != 0 || Outcome(reply, list->errorId) != 0) return -1;
+    int32_t filled = 0;
+    for (char *line = std::strchr(reply.Text(), '^'); line != nullptr;
+         line = std::strchr(line + 1, '^')) {
+        if (!ReadLine(line, list->entries[filled])) continue;
+        if (++filled == list->count) {
+            AT_LOG_INFO("trustNumList->count is enough, break the while.\n");
+            break;
+        }
+    }
+    return 0;
+}
+
+}  // extern "C"

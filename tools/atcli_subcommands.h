@@ -19,6 +19,7 @@ std::span<const Action> TimeActions();
 std::span<const Action> CallActions();
 std::span<const Action> ECallActions();
 std::span<const Action> SimActions();
+std::span<const Action> V2xActions();
 
 struct SubCommand {
     std::string_view name;

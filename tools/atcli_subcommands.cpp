@@ -10,7 +10,7 @@ constexpr SubCommand kSubCommands[] = {
     {"pin", PinActions},           {"pdp", PdpActions},       {"dial", DialActions},
     {"identity", IdentityActions}, {"device", DeviceActions}, {"time", TimeActions},
     {"call", CallActions},         {"ecall", ECallActions},   {"sim", SimActions},
-    {"voice", VoiceActions},
+    {"voice", VoiceActions},       {"v2x", V2xActions},
 };
 
 }  // namespace

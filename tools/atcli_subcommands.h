@@ -20,6 +20,7 @@ std::span<const Action> CallActions();
 std::span<const Action> ECallActions();
 std::span<const Action> SimActions();
 std::span<const Action> VoiceActions();
+std::span<const Action> V2xActions();
 
 struct SubCommand {
     std::string_view name;

@@ -16,6 +16,7 @@
 #include "m2m_ats_call.h"
 #include "m2m_ats_sms.h"
 #include "m2m_ats_usim.h"
+#include "m2m_ats_v2x.h"
 #include "m2m_ats_voice_call.h"
 
 #endif

@@ -79,7 +79,8 @@ pid_t Spawn(std::vector<std::string> argv, const std::string &outPath, const std
     if (!launcher.empty()) {
         // atserver --sim starts atsim itself, through the same launcher.
         if (server && std::find(argv.begin(), argv.end(), "--sim") != argv.end()) {
-            argv.insert(argv.end(), {"--atsim-launcher", launcher});
+            // Ahead of the test's own arguments, which may end in a bad one.
+            argv.insert(argv.begin() + 1, {"--atsim-launcher", launcher});
         }
         argv.insert(argv.begin(), launcher);
     }

@@ -1,0 +1,269 @@
+// V2X sidelink commands. The reads parse under module 31, which has no
+// handler table, so an OK reply ends at the parse step with -1; the module
+// id is kept as the interface gives it.
+#include "atapi/m2m_ats_v2x.h"
+
+#include <cstdint>
+
+#include "api/command.h"
+#include "atapi/at_parse.h"
+#include "link/at_log.h"
+#include "telematics/m2m_ats_v2x_read.h"
+
+namespace {
+
+using namespace atapi::api;
+using atapi::ParseRows;
+using namespace atapi::v2x;
+
+constexpr char kTraceSrc[] = "atapi/src/m2m_ats_v2x";
+constexpr int32_t kV2xModule = 31;
+constexpr int32_t kQuery = 0;
+constexpr int32_t kSet = 1;
+constexpr uint32_t kModeLimit = 2;
+constexpr int32_t kSingleReplySize = 1532;
+
+constexpr CommandSpec kModeQuery{
+    .format = "AT^VMODE?", .parsePrefix = "^VMODE", .moduleId = kV2xModule};
+constexpr CommandSpec kModeSet{.format = "AT^VMODE=%d,%d"};
+constexpr CommandSpec kCbr{
+    .format = "AT^CBR?", .rspPrefix = "^CBR:", .parsePrefix = "^CBR", .moduleId = kV2xModule};
+constexpr CommandSpec kSync{.format = "AT^VSYNCSRC?",
+                            .rspPrefix = "^VSYNCSRC:",
+                            .parsePrefix = "^VSYNCSRC",
+                            .moduleId = kV2xModule};
+constexpr CommandSpec kPdcp{
+    .format = "AT^PTRRPT?", .parsePrefix = "^PTRRPT", .moduleId = kV2xModule};
+constexpr CommandSpec kPhy{
+    .format = "AT^VPHYSTAT?", .parsePrefix = "^VPHYSTAT", .moduleId = kV2xModule};
+constexpr CommandSpec kRsrp{
+    .format = "AT^VSNRRSRP?", .parsePrefix = "^VSNRRSRP", .moduleId = kV2xModule};
+constexpr CommandSpec kRssi{
+    .format = "AT^V2XRSSI?", .parsePrefix = "^V2XRSSI", .moduleId = kV2xModule};
+constexpr CommandSpec kAntSwitchSet{.format = "AT^VTXANTSWITCH=%d"};
+constexpr CommandSpec kAntSwitchQuery{
+    .format = "AT^VTXANTSWITCH?", .parsePrefix = "^VTXANTSWITCH", .moduleId = kV2xModule};
+constexpr CommandSpec kTxPwrRptCfg{.format = "AT^TXPWRRPTCFG=%d,%d,%d,%u"};
+
+// Logs the call's entry and exit around body.
+template <typename Body>
+int32_t Framed(const char *tag, Body body) {
+    AT_LOG_INFO("[%s] enter", tag);
+    const int32_t ret = body();
+    if (ret == 0) {
+        AT_LOG_INFO("[%s] out", tag);
+    } else {
+        AT_LOG_ERR("[%s] out, ret = %d", tag, ret);
+    }
+    return ret;
+}
+
+// Sends cmd's line on a record of its own; 0 when an OK reply came into msg.
+// The mode query logs a refused reply in its own words.
+enum class RetValLog { kExecution, kModeQuery };
+int32_t ExchangeForOk(const Command &cmd, OwnedSrvMsg &msg,
+                      RetValLog retValLog = RetValLog::kExecution) {
+    if (!cmd) {
+        AT_LOG_ERR("snprintf_s atCmdStr failed");
+        return -1;
+    }
+    const int32_t ret = cmd.Exchange(msg);
+    if (ret != 0) {
+        AT_LOG_ERR("GetDataFromAtServer failed, ret = %d", ret);
+        return -1;
+    }
+    if (msg.RetVal() == AT_RET_OK) return 0;
+    if (retValLog == RetValLog::kModeQuery) {
+        AT_LOG_ERR("VMODE query retVal = %d", msg.RetVal());
+    } else {
+        AT_LOG_ERR("At execution failed, ret = %d, retVal = %d", ret, msg.RetVal());
+    }
+    return -1;
+}
+
+int32_t SendForOk(const Command &cmd) {
+    OwnedSrvMsg msg;
+    return ExchangeForOk(cmd, msg);
+}
+
+// The common read: spec's line exchanged, its OK reply parsed under spec and
+// the first row handed to read.
+template <typename Read>
+int32_t ReadRows(const CommandSpec &spec, Read read, RetValLog retValLog = RetValLog::kExecution) {
+    OwnedSrvMsg msg;
+    if (ExchangeForOk(Command(spec), msg, retValLog) != 0) return -1;
+    int32_t status = 0;
+    const ParseRows rows = ParseReply(spec, msg.Report(), &status);
+    if (status != AT_PARSE_OK || rows.Get() == nullptr) {
+        AT_LOG_ERR("ParseAtCmdFunc failed, ret = %d", status);
+        return -1;
+    }
+    return read(rows.Get());
+}
+
+// The single-string reads: the whole reply text, parsed under spec, to read.
+template <typename Read>
+int32_t ReadText(const char *tag, const CommandSpec &spec, Read read) {
+    char text[kSingleReplySize] = {};
+    if (Command(spec).QueryText(text, nullptr) != 0) {
+        AT_LOG_ERR("[%s] AtSendAndGetSingleStrRsp failed", tag);
+        return -1;
+    }
+    int32_t status = 0;
+    const ParseRows rows = ParseReply(spec, text, &status);
+    if (status != AT_PARSE_OK || rows.Get() == nullptr) {
+        AT_LOG_ERR("[%s] ParseAtCmdFunc failed, ret = %d", tag, status);
+        return -1;
+    }
+    return read(rows.Get());
+}
+
+int32_t SetMode(const AtsV2xModeCfgInfo &cfg) {
+    constexpr char kCheckTag[] = "AtsV2xModeCheck";
+    if (cfg.rat != 0) {
+        AT_LOG_ERR("[%s], v2xModeCfg->rat error", kCheckTag);
+        return -1;
+    }
+    if (static_cast<uint32_t>(cfg.mode) >= kModeLimit) {
+        AT_LOG_ERR("[%s], v2xModeCfg->mode error", kCheckTag);
+        return -1;
+    }
+    return SendForOk(Command(kModeSet, cfg.rat, cfg.mode));
+}
+
+}  // namespace
+
+extern "C" {
+
+int32_t AtsV2xModeCfg(int32_t cmdType, AtsV2xModeCfgInfo *v2xModeCfg) {
+    constexpr char kTag[] = "AtsV2xModeCfg";
+    return Framed(kTag, [&] {
+        if (v2xModeCfg == nullptr) {
+            AT_LOG_ERR("v2xModeCfg is NULL");
+            return -1;
+        }
+        if (cmdType == kSet) return SetMode(*v2xModeCfg);
+        if (cmdType != kQuery) {
+            AT_LOG_ERR("[%s] invalid cmd type, cmdType = %d", kTag, cmdType);
+            return -1;
+        }
+        return ReadRows(
+            kModeQuery, [&](const AtCmdParseNode *row) { return ReadMode(row, *v2xModeCfg); },
+            RetValLog::kModeQuery);
+    });
+}
+
+int32_t AtsV2xCbrQuery(AtsV2xCbrInfo *v2xCbrInfo) {
+    return Framed("AtsV2xCbrQuery", [&] {
+        if (v2xCbrInfo == nullptr) {
+            AT_LOG_ERR("v2xCbrInfo is NULL");
+            return -1;
+        }
+        return ReadRows(
+            kCbr, [&](const AtCmdParseNode *row) { return AtsV2xGetCbrInfo(row, v2xCbrInfo); });
+    });
+}
+
+int32_t AtsV2xAccessSyncInfoQuery(AtsV2xSyncInfo *v2xSyncInfo) {
+    return Framed("AtsV2xAccessSyncInfoQuery", [&] {
+        if (v2xSyncInfo == nullptr) {
+            AT_LOG_ERR("v2xSyncInfo is NULL");
+            return -1;
+        }
+        return ReadRows(kSync, [&](const AtCmdParseNode *row) {
+            return AtsV2xGetAccessSyncInfo(row, v2xSyncInfo);
+        });
+    });
+}
+
+int32_t AtsV2xGetPdcpPacketStats(AtsV2xPdcpPacketStat *v2xPacketStat) {
+    return Framed("AtsV2xGetPdcpPacketStats", [&] {
+        if (v2xPacketStat == nullptr) {
+            AT_LOG_ERR("v2xPacketStat is NULL");
+            return -1;
+        }
+        return ReadRows(
+            kPdcp, [&](const AtCmdParseNode *row) { return ReadPdcpStats(row, *v2xPacketStat); });
+    });
+}
+
+int32_t AtsV2xGetPhyPacketStats(AtsV2xPhyPacketStats *v2xPacketStats) {
+    return Framed("AtsV2xGetPhyPacketStats", [&] {
+        if (v2xPacketStats == nullptr) {
+            AT_LOG_ERR("v2xPacketStats is NULL");
+            return -1;
+        }
+        return ReadRows(
+            kPhy, [&](const AtCmdParseNode *row) { return ReadPhyStats(row, *v2xPacketStats); });
+    });
+}
+
+int32_t AtsV2xGetRsrp(AtsV2xRsrpInfo *v2xRsrpInfo) {
+    constexpr char kTag[] = "AtsV2xGetRsrp";
+    return Framed(kTag, [&] {
+        if (v2xRsrpInfo == nullptr) {
+            AT_LOG_ERR("v2xRsrpInfo is NULL");
+            return -1;
+        }
+        return ReadText(kTag, kRsrp,
+                        [&](const AtCmdParseNode *first) { return ReadRsrp(first, *v2xRsrpInfo); });
+    });
+}
+
+int32_t AtsV2xGetRssi(AtsV2xRssiInfo *v2xRssiInfo) {
+    constexpr char kTag[] = "AtsV2xGetRssi";
+    return Framed(kTag, [&] {
+        if (v2xRssiInfo == nullptr) {
+            AT_LOG_ERR("v2xRsrpInfo is NULL");  // shares the RSRP query's text
+            return -1;
+        }
+        return ReadText(kTag, kRssi,
+                        [&](const AtCmdParseNode *row) { return ReadRssi(row, *v2xRssiInfo); });
+    });
+}
+
+int32_t AtsV2xSetDualAntSwitch(int32_t switchValue) {
+    constexpr char kTag[] = "AtsV2xSetDualAntSwitch";
+    return Framed(kTag, [&] {
+        if (Command(kAntSwitchSet, switchValue).Send(nullptr) != 0) {
+            AT_LOG_ERR("[%s] AtSendSimpleCmd failed", kTag);
+            return -1;
+        }
+        return 0;
+    });
+}
+
+int32_t AtsV2xGetDualAntSwitch(int32_t *switchValue) {
+    constexpr char kTag[] = "AtsV2xGetDualAntSwitch";
+    return Framed(kTag, [&] {
+        if (switchValue == nullptr) {
+            AT_LOG_ERR("switchValue is NULL");
+            return -1;
+        }
+        char text[kSingleReplySize] = {};
+        if (Command(kAntSwitchQuery).QueryText(text, nullptr) != 0) {
+            AT_LOG_ERR("[%s] AtSendAndGetSingleStrRsp failed", kTag);
+            return -1;
+        }
+        const AtParamDesc mode{"mode", AT_TYPE_INT, switchValue, sizeof *switchValue, 0, 1};
+        const AtCmdDesc desc = kAntSwitchQuery.Desc(nullptr);
+        if (AtParseNodeFromBuf(&desc, text, &mode, 1) != 0) {
+            AT_LOG_ERR("[%s] AtParseNodeFromBuf failed", kTag);
+            return -1;
+        }
+        return 0;
+    });
+}
+
+int32_t AtsV2xTxPwrRptCfgExecute(AtsV2xTxPwrRptCfg *cfg) {
+    constexpr char kTag[] = "AtsV2xTxPwrRptCfgExecute";
+    return Framed(kTag, [&] {
+        if (cfg == nullptr) {
+            AT_LOG_ERR("[%s] input params invalid", kTag);
+            return -1;
+        }
+        return SendForOk(Command(kTxPwrRptCfg, cfg->param1, cfg->param2, cfg->param3, cfg->param4));
+    });
+}
+
+}  // extern "C"

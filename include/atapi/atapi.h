@@ -14,5 +14,6 @@
 #include "ats_security.h"
 #include "ats_usim.h"
 #include "m2m_ats_call.h"
+#include "m2m_ats_network.h"
 
 #endif

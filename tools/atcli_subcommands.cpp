@@ -10,6 +10,7 @@ constexpr SubCommand kSubCommands[] = {
     {"pin", PinActions},           {"pdp", PdpActions},       {"dial", DialActions},
     {"identity", IdentityActions}, {"device", DeviceActions}, {"time", TimeActions},
     {"call", CallActions},         {"ecall", ECallActions},   {"sim", SimActions},
+    {"cell", CellActions},         {"jamming", JammingActions},
 };
 
 }  // namespace

@@ -19,6 +19,8 @@ std::span<const Action> TimeActions();
 std::span<const Action> CallActions();
 std::span<const Action> ECallActions();
 std::span<const Action> SimActions();
+std::span<const Action> CellActions();
+std::span<const Action> JammingActions();
 
 struct SubCommand {
     std::string_view name;

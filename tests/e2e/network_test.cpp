@@ -64,7 +64,7 @@ TEST_F(NetworkTest, Cell_ServingAndNeighboursPerTechnology) {
          "2:10055 2:10080 "},
         {"LTE",
          {AT_CELL_RAT_LTE, 1300, 0xA1B2C3, 0xC3, AT_ERRID_OK},
-         "4:636666 3:1300 3:1850 1:10700 "},
+         "4:636666 3:1300 3:1850 "},
         {"NR",
          {AT_CELL_RAT_NR, 627264, 0x1A2B3C4D, 0x0A1B2C, AT_ERRID_OK},
          "4:627264 4:627264 4:636666 4:636666 3:1300 3:1850 "},

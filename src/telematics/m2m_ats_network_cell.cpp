@@ -11,13 +11,15 @@
 #include "atapi/m2m_ats_network.h"
 #include "link/at_log.h"
 #include "platform/bounded.h"
-#include "telematics/m2m_ats_call_exchange.h"
+#include "telematics/m2m_ats_network_exchange.h"
 
 namespace {
 
 using namespace atapi::api;
 using atapi::ParseRows;
 using atapi::call::CallReply;
+using atapi::network::kRetValFailed;
+using atapi::network::ReplyOutcome;
 
 constexpr char kTraceSrc[] = "atapi/src/m2m_ats_network";
 
@@ -175,8 +177,8 @@ int32_t MonscResultParse(char *reply, MonscInfo &out) {
     ServingTexts texts{};
     out = MonscInfo{};
     out.errorId = AT_ERRID_NOT_COMPLETED;
-    int32_t status = 0;
     {
+        int32_t status = 0;
         const ParseRows rows = ParseReply(kMonsc, reply, &status);
         if (rows.Get() == nullptr) {
             AT_LOG_ERR("MonscResultParse, ParseAtCmdFunc failed result is NULL\n");
@@ -296,20 +298,6 @@ int32_t MonncResultParse(char *reply, MonncInfo &out) {
     return 0;
 }
 
-// The exchange both reads share: 0 with an OK reply, else the exchange's
-// own result or -1, logged under the function's name.
-int32_t ExchangeForCell(CallReply &reply, const char *name) {
-    if (reply.Status() != 0) {
-        AT_LOG_ERR("%s, GetDataFromAtServer falied ret = %d\n", name, reply.Status());
-        return reply.Status();
-    }
-    if (!reply.Ok()) {
-        AT_LOG_ERR("%s, GetDataFromAtServer failed retVal = %d\n", name, reply.RetVal());
-        return -1;
-    }
-    return 0;
-}
-
 }  // namespace
 
 extern "C" {
@@ -322,7 +310,7 @@ int32_t AtGetMonsc(MonscInfo *out) {
     }
     out->errorId = AT_ERRID_NOT_COMPLETED;
     CallReply reply(Command(kMonsc), "MONSC snprintf_s ret:%d\n");
-    int32_t ret = ExchangeForCell(reply, "AtGetMonsc");
+    int32_t ret = ReplyOutcome(reply, "AtGetMonsc", kRetValFailed);
     if (ret == 0) {
         ret = MonscResultParse(reply.Text(), *out);
         if (ret == 0) {
@@ -342,7 +330,7 @@ int32_t AtGetMonnc(MonncInfo *out) {
         return -1;
     }
     CallReply reply(Command(kMonnc), "MONNC, snprintf_s ret:%d\n");
-    int32_t ret = ExchangeForCell(reply, "AtGetMonnc");
+    int32_t ret = ReplyOutcome(reply, "AtGetMonnc", kRetValFailed);
     if (ret == 0) {
         ret = MonncResultParse(reply.Text(), *out);
         if (ret != 0) AT_LOG_ERR("AtGetMonnc, MonncResultParse falied ret = %d\n", ret);

@@ -2,21 +2,24 @@
 // ^EMRSSICFG): four set/get pairs. The get functions read every row by
 // field name into the entry of the row's technology.
 #include <array>
-#include <cstring>
 
 #include "atapi/at_text.h"
 #include "atapi/m2m_ats_network.h"
 #include "link/at_log.h"
 #include "platform/bounded.h"
-#include "telematics/m2m_ats_call_exchange.h"
+#include "telematics/m2m_ats_network_exchange.h"
 
 namespace {
 
 using namespace atapi::api;
 using atapi::ParseRows;
 using atapi::call::CallReply;
+using atapi::network::kRetValFailed;
+using atapi::network::ReplyOutcome;
 
 constexpr char kTraceSrc[] = "atapi/src/m2m_ats_network";
+// The level of the log line for a row of an unknown technology.
+constexpr int kTraceWarning = 4;
 
 constexpr CommandSpec QuerySpec(const char *format, const char *rspPrefix,
                                 const char *parsePrefix) {
@@ -46,24 +49,11 @@ constexpr std::array<CfgLine, AT_JAMMING_RAT_COUNT> kCfgLines{{
 
 bool KnownRat(int32_t rat) { return rat >= 0 && rat < AT_JAMMING_RAT_COUNT; }
 
-// 0 for an OK reply; else the exchange's own result or -1, logged under
-// the function's name.
-int32_t Outcome(const CallReply &reply, const char *name, const char *retValFormat) {
-    if (reply.Status() != 0) {
-        AT_LOG_ERR("%s, GetDataFromAtServer falied ret = %d\n", name, reply.Status());
-        return reply.Status();
-    }
-    if (!reply.Ok()) {
-        AT_LOG_ERR(retValFormat, name, reply.RetVal());
-        return -1;
-    }
-    return 0;
-}
 constexpr char kRetValError[] = "%s, GetDataFromAtServer retVal = %d error\n";
 
 int32_t Set(const Command &cmd, const char *name, const char *formatError) {
     const CallReply reply(cmd, formatError);
-    const int32_t ret = Outcome(reply, name, kRetValError);
+    const int32_t ret = ReplyOutcome(reply, name, kRetValError);
     AT_LOG_INFO("%s out,ret = %d\n", name, ret);
     return ret;
 }
@@ -116,7 +106,8 @@ int32_t ReadByRat(CallReply &reply, const CommandSpec &spec,
             }
         });
         if (!KnownRat(entry.rat)) {
-            if (reader.invalidRatLog != nullptr) AT_LOG(4, reader.invalidRatLog, entry.rat);
+            if (reader.invalidRatLog != nullptr)
+                AT_LOG(kTraceWarning, reader.invalidRatLog, entry.rat);
             continue;
         }
         const errno_t ret = memcpy_s(&out[entry.rat], sizeof(Entry), &entry, sizeof entry);
@@ -126,13 +117,13 @@ int32_t ReadByRat(CallReply &reply, const CommandSpec &spec,
     return 0;
 }
 
-// A get function's exchange and row walk, with its Enter and out logs.
+// A get function's exchange and row walk, with its out log.
 template <typename Entry, size_t N>
 int32_t Get(const char *name, const CommandSpec &spec, const char *retValFormat,
             const std::array<EntryField<Entry>, N> &fields, const RowReader &reader,
             Entry (&out)[AT_JAMMING_RAT_COUNT]) {
     CallReply reply(Command(spec), "snprintf_s fail, ret:%d\n");
-    int32_t ret = Outcome(reply, name, retValFormat);
+    int32_t ret = ReplyOutcome(reply, name, retValFormat);
     if (ret == 0) ret = ReadByRat(reply, spec, fields, reader, out);
     AT_LOG_INFO("%s out,ret = %d\n", name, ret);
     return ret;
@@ -193,7 +184,7 @@ int32_t AtSetEmRssiRpt(uint32_t mode) {
 int32_t AtGetEmRssiRpt(int32_t *n) {
     if (Refused(n, "AtGetEmRssiRpt")) return -1;
     CallReply reply(Command(kRptQuery), "snprintf_s fail, ret:%d\n");
-    int32_t ret = Outcome(reply, "AtGetEmRssiRpt", kRetValError);
+    int32_t ret = ReplyOutcome(reply, "AtGetEmRssiRpt", kRetValError);
     if (ret == 0) {
         int32_t status = 0;
         const ParseRows rows = reply.Parse(kRptQuery, &status);
@@ -218,8 +209,7 @@ int32_t AtSetEmRssiCfg(const EmRssiCfg *cfg) {
 
 int32_t AtGetEmRssiCfg(EmRssiCfgInfo *info) {
     if (Refused(info, "AtGetEmRssiCfg")) return -1;
-    return Get("AtGetEmRssiCfg", kRssiCfgQuery, "%s, GetDataFromAtServer failed retVal = %d\n",
-               kRssiFields,
+    return Get("AtGetEmRssiCfg", kRssiCfgQuery, kRetValFailed, kRssiFields,
                {"EmrssicfgResultParse", "EmrssicfgResultParse, ret:%d\n",
                 "EmrssicfgResultParse, invalid rat(%d)\n"},
                info->cfg);

@@ -10,7 +10,8 @@ constexpr SubCommand kSubCommands[] = {
     {"pin", PinActions},           {"pdp", PdpActions},       {"dial", DialActions},
     {"identity", IdentityActions}, {"device", DeviceActions}, {"time", TimeActions},
     {"call", CallActions},         {"ecall", ECallActions},   {"sim", SimActions},
-    {"voice", VoiceActions},       {"v2x", V2xActions},
+    {"voice", VoiceActions},       {"v2x", V2xActions},       {"cell", CellActions},
+    {"jamming", JammingActions},
 };
 
 }  // namespace

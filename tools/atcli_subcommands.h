@@ -21,6 +21,8 @@ std::span<const Action> ECallActions();
 std::span<const Action> SimActions();
 std::span<const Action> VoiceActions();
 std::span<const Action> V2xActions();
+std::span<const Action> CellActions();
+std::span<const Action> JammingActions();
 
 struct SubCommand {
     std::string_view name;

@@ -14,6 +14,7 @@
 #include "ats_security.h"
 #include "ats_usim.h"
 #include "m2m_ats_call.h"
+#include "m2m_ats_network.h"
 #include "m2m_ats_sms.h"
 #include "m2m_ats_usim.h"
 #include "m2m_ats_v2x.h"

@@ -1,0 +1,155 @@
+// Cell monitoring against the scripted modem: the serving cell of each
+// technology as modems report it, the failures that keep what the mapping
+// filled, and the neighbour list with its preference for newer technologies.
+
+#include <deque>
+#include <string>
+#include <vector>
+
+#include "atapi/m2m_ats_network.h"
+#include "command_cases.h"
+
+namespace atapi::test {
+namespace {
+
+constexpr unsigned char kFill = 0x5A;
+
+Step Monsc(std::string reply) {
+    return Ok("AT^MONSC", std::move(reply)).Prefix("^MONSC:").Timeout(30);
+}
+Step Monnc(std::string reply) {
+    return Ok("AT^MONNC", std::move(reply)).Prefix("^MONNC:").Timeout(30);
+}
+
+auto Serving(int32_t rat, int32_t arfcn, int32_t cellId, int32_t lac, int32_t errorId) {
+    return [=](MonscInfo &m) { m = {rat, arfcn, cellId, lac, errorId}; };
+}
+
+// clang-format off
+TEST(M2mAtsNetwork, ServingCellPerTechnology) {
+    const auto get = [](MonscInfo &m) { return AtGetMonsc(&m); };
+    RunCommandCases<MonscInfo>({
+        // GSM: band in the arfcn field, the channel behind it.
+        {"GSM", get, {Monsc("^MONSC: GSM,460,00,1,62,25,1B7D,25F0,-75")}, 0,
+         Serving(AT_CELL_RAT_GSM, 62, 0x1B7D, 0x25F0, AT_ERRID_OK)},
+        {"WCDMA", get, {Monsc("^MONSC: WCDMA,460,01,10700,312,1A2B3C4,25F0,-85,-6")}, 0,
+         Serving(AT_CELL_RAT_WCDMA, 10700, 0x1A2B3C4, 0x25F0, AT_ERRID_OK)},
+        {"TD_SCDMA", get, {Monsc("^MONSC: TD_SCDMA,460,00,10055,12,34,0A1B2C,25F0,-80")}, 0,
+         Serving(AT_CELL_RAT_TD_SCDMA, 10055, 0x0A1B2C, 0x25F0, AT_ERRID_OK)},
+        {"LTE", get, {Monsc("^MONSC: LTE,001,01,1300,A1B2C3,123,00C3,-95,-10,-65,15")}, 0,
+         Serving(AT_CELL_RAT_LTE, 1300, 0xA1B2C3, 0xC3, AT_ERRID_OK)},
+        {"NR with a channel above 16 bits", get,
+         {Monsc("^MONSC: NR,001,01,627264,1,1a2b3c4d,501,0A1B2C,-85,-11,15")}, 0,
+         Serving(AT_CELL_RAT_NR, 627264, 0x1A2B3C4D, 0x0A1B2C, AT_ERRID_OK)},
+        {"no service", get, {Monsc("^MONSC: NONE")}, -1, Serving(0, 0, 0, 0, AT_MONSC_ERRID_NO_SERVICE)},
+        {"a rat of another name", get, {Monsc("^MONSC: CDMA,460,03,283,1,2,3,4")}, -1,
+         Serving(0, 0, 0, 0, AT_ERRID_NOT_COMPLETED)},
+        // A failing conversion keeps what the mapping stored before it.
+        {"a cell identity of nine hex digits", get,
+         {Monsc("^MONSC: LTE,001,01,1300,1A2B3C4D5,123,00C3,-95,-10,-65,15")}, -1,
+         Serving(AT_CELL_RAT_LTE, 1300, 0, 0, AT_ERRID_NOT_COMPLETED)},
+        {"an area code that is not hex", get,
+         {Monsc("^MONSC: WCDMA,460,01,10700,312,1A2B3C4,25G0,-85,-6")}, -1,
+         Serving(AT_CELL_RAT_WCDMA, 10700, 0x1A2B3C4, 0, AT_ERRID_NOT_COMPLETED)},
+        {"an NR channel without digits", get,
+         {Monsc("^MONSC: NR,001,01,n/a,1,1A2B3C4D,501,0A1B2C")}, -1,
+         Serving(AT_CELL_RAT_NR, 0, 0, 0, AT_ERRID_NOT_COMPLETED)},
+        // The walk stops at the channel of 12 characters; the empty texts
+        // behind it convert to 0 and the call succeeds.
+        {"a value too long for its slot ends the walk", get,
+         {Monsc("^MONSC: LTE,001,01,123456789012,A1B2C3,123,00C3")}, 0,
+         Serving(AT_CELL_RAT_LTE, 0, 0, 0, AT_ERRID_OK)},
+        {"a reply without the prefix", get, {Monsc("")}, -1, Serving(0, 0, 0, 0, AT_ERRID_NOT_COMPLETED)},
+        {"an error reply leaves the record", get,
+         {Fails("AT^MONSC", AT_RET_CME_ERROR, "+CME ERROR: 30")}, -1,
+         [](MonscInfo &m) { m.errorId = AT_ERRID_NOT_COMPLETED; }},
+        {"a failed exchange", get, {ExchangeFails("AT^MONSC")}, -1,
+         [](MonscInfo &m) { m.errorId = AT_ERRID_NOT_COMPLETED; }},
+    }, Filled<MonscInfo>(kFill));
+    EXPECT_EQ(AtGetMonsc(nullptr), -1);
+}
+// clang-format on
+
+// Neighbour lines as modems send them, one per technology.
+std::string Neighbor(int32_t rat, int32_t arfcn) {
+    const std::string channel = std::to_string(arfcn);
+    switch (rat) {
+        case AT_CELL_RAT_GSM:
+            return "^MONNC: GSM,1," + channel + ",25,1B7D,25F0,-80";
+        case AT_CELL_RAT_WCDMA:
+            return "^MONNC: WCDMA," + channel + ",312,-90,-8";
+        case AT_CELL_RAT_TD_SCDMA:
+            return "^MONNC: TD_SCDMA," + channel + ",34,-88";
+        case AT_CELL_RAT_LTE:
+            return "^MONNC: LTE," + channel + ",124,-98,-12,-68";
+        default:
+            return "^MONNC: NR," + channel + ",501,-90,-11,18";
+    }
+}
+
+std::string Lines(const std::vector<MonncNeighbor> &cells) {
+    std::string text;
+    for (const MonncNeighbor &c : cells)
+        text += (text.empty() ? "" : "\r\n") + Neighbor(c.rat, c.arfcn);
+    return text;
+}
+
+std::vector<MonncNeighbor> Cells(int32_t rat, int32_t count, int32_t firstArfcn) {
+    std::vector<MonncNeighbor> cells;
+    for (int32_t i = 0; i < count; ++i) cells.push_back({rat, firstArfcn + i});
+    return cells;
+}
+
+std::vector<MonncNeighbor> operator+(std::vector<MonncNeighbor> a,
+                                     const std::vector<MonncNeighbor> &b) {
+    a.insert(a.end(), b.begin(), b.end());
+    return a;
+}
+
+auto Listed(const std::vector<MonncNeighbor> &cells) {
+    return [cells](MonncInfo &m) {
+        m = MonncInfo{};
+        m.count = static_cast<uint32_t>(cells.size());
+        for (size_t i = 0; i < cells.size(); ++i) m.neighbors[i] = cells[i];
+    };
+}
+
+// clang-format off
+TEST(M2mAtsNetwork, NeighbourCells) {
+    const auto get = [](MonncInfo &m) { return AtGetMonnc(&m); };
+    std::vector<CommandCase<MonncInfo>> cases;
+    std::deque<std::string> names;
+    for (int32_t rat = AT_CELL_RAT_GSM; rat <= AT_CELL_RAT_NR; ++rat) {
+        for (int32_t n = 1; n <= AT_MONNC_MAX_NEIGHBORS; ++n) {
+            const auto cells = Cells(rat, n, 100 * (rat + 1));
+            names.push_back(std::to_string(n) + " of rat " + std::to_string(rat));
+            cases.push_back({names.back().c_str(), get, {Monnc(Lines(cells))}, 0, Listed(cells)});
+        }
+    }
+    const auto lte8 = Cells(AT_CELL_RAT_LTE, 8, 1300);
+    const auto nr4 = Cells(AT_CELL_RAT_NR, 4, 627264);
+    const auto wcdma4 = Cells(AT_CELL_RAT_WCDMA, 4, 10700);
+    const auto mixed = Cells(AT_CELL_RAT_GSM, 1, 62) + Cells(AT_CELL_RAT_TD_SCDMA, 1, 10055) +
+                       Cells(AT_CELL_RAT_LTE, 1, 1850) + Cells(AT_CELL_RAT_NR, 1, 636666);
+    const auto mixedOrdered = Cells(AT_CELL_RAT_NR, 1, 636666) + Cells(AT_CELL_RAT_LTE, 1, 1850) +
+                              Cells(AT_CELL_RAT_TD_SCDMA, 1, 10055) + Cells(AT_CELL_RAT_GSM, 1, 62);
+    const std::vector<CommandCase<MonncInfo>> more = {
+        {"no neighbours", get, {Monnc("^MONNC: NONE")}, 0, Listed({})},
+        {"a first NONE line ends the list", get, {Monnc("^MONNC: NONE\r\n" + Lines(lte8))}, 0, Listed({})},
+        {"eight LTE and three GSM: six LTE", get,
+         {Monnc(Lines(Cells(AT_CELL_RAT_GSM, 3, 62) + lte8))}, 0, Listed(Cells(AT_CELL_RAT_LTE, 6, 1300))},
+        {"four WCDMA and four NR: NR first", get, {Monnc(Lines(wcdma4 + nr4))}, 0,
+         Listed(nr4 + Cells(AT_CELL_RAT_WCDMA, 2, 10700))},
+        {"one of each, newest first", get, {Monnc(Lines(mixed))}, 0, Listed(mixedOrdered)},
+        {"a rat of another name", get, {Monnc(Neighbor(AT_CELL_RAT_LTE, 1300) + "\r\n^MONNC: CDMA,283,1")}, -1},
+        {"a reply without the prefix", get, {Monnc("")}, -1},
+        {"an error reply", get, {Fails("AT^MONNC", AT_RET_ERROR, "ERROR")}, -1},
+    };
+    cases.insert(cases.end(), more.begin(), more.end());
+    RunCommandCases<MonncInfo>(cases, Filled<MonncInfo>(kFill));
+    EXPECT_EQ(AtGetMonnc(nullptr), -1);
+}
+// clang-format on
+
+}  // namespace
+}  // namespace atapi::test

@@ -12,31 +12,13 @@
 namespace atapi::e2e {
 namespace {
 
-class NetworkTest : public ::testing::Test {
+class NetworkTest : public ShippedScenarioTest {
   protected:
-    void SetUp() override {
-        runtime_ = std::make_unique<test::IsolatedRuntime>();
-        server_ = std::make_unique<AtServerProcess>(*runtime_);
-        server_->Start(std::string(ATSIM_SCENARIO_DIR) + "/default.scn", {"--sim-arg", "--no-urc"});
-    }
-    void TearDown() override {
-        if (server_->Pid() <= 0) return;
-        EXPECT_EQ(server_->Stop(), 0) << server_->Log();
-        ExpectNothingLeft();
-    }
-    ProcessResult Cli(const std::vector<std::string> &args) const {
-        std::vector<std::string> argv{CliProgram()};
-        argv.insert(argv.end(), args.begin(), args.end());
-        return RunProcess(argv, runtime_->Root());
-    }
     static void CampOn(const std::string &technology) {
         const Exchange done = Send("AT+SIMRAT=" + technology);
         ASSERT_EQ(done.status, 0);
         ASSERT_EQ(done.retVal, AT_RET_OK) << done.text;
     }
-
-    std::unique_ptr<test::IsolatedRuntime> runtime_;
-    std::unique_ptr<AtServerProcess> server_;
 };
 
 std::string Neighbours(const MonncInfo &list) {

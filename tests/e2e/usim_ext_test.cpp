@@ -13,27 +13,7 @@
 namespace atapi::e2e {
 namespace {
 
-class UsimExtTest : public ::testing::Test {
-  protected:
-    void SetUp() override {
-        runtime_ = std::make_unique<test::IsolatedRuntime>();
-        server_ = std::make_unique<AtServerProcess>(*runtime_);
-        server_->Start(std::string(ATSIM_SCENARIO_DIR) + "/default.scn", {"--sim-arg", "--no-urc"});
-    }
-    void TearDown() override {
-        if (server_->Pid() <= 0) return;
-        EXPECT_EQ(server_->Stop(), 0) << server_->Log();
-        ExpectNothingLeft();
-    }
-    ProcessResult Cli(const std::vector<std::string> &args) const {
-        std::vector<std::string> argv{CliProgram()};
-        argv.insert(argv.end(), args.begin(), args.end());
-        return RunProcess(argv, runtime_->Root());
-    }
-
-    std::unique_ptr<test::IsolatedRuntime> runtime_;
-    std::unique_ptr<AtServerProcess> server_;
-};
+using UsimExtTest = ShippedScenarioTest;
 
 TEST_F(UsimExtTest, UsimExt_SimStateEuiccIdAndFileByPath) {
     SimSqInfo state{-1, -1};

@@ -100,12 +100,13 @@ class Parser {
 
     // Every event triggered somewhere must be declared somewhere.
     bool CheckEvents() {
-        for (const auto &[name, where] : triggers_) {
+        for (const auto &trigger : triggers_) {
+            const std::string &name = trigger.first;
             const auto &events = out_->events;
             if (std::none_of(events.begin(), events.end(), [&name](const Rule &event) {
                     return MatchPattern(name, event.pattern, nullptr);
                 })) {
-                here_ = where;
+                here_ = trigger.second;
                 return Fail(Here() + "unknown event '" + name + "' (declare it with 'event')");
             }
         }

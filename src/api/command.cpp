@@ -9,30 +9,36 @@ namespace atapi::api {
 
 int32_t Command::Send(int32_t *errorId) const {
     if (!formatted_) return -1;
-    if (spec_.secrecy == Secrecy::kSecret) {
-        return AtSendSimpleSecCmd(line_.Text(), spec_.rspPrefix, errorId, spec_.timeoutSec);
+    if (description_.secrecy == Secrecy::kSecret) {
+        return AtSendSimpleSecCmd(line_.Text(), description_.rspPrefix, errorId,
+                                  description_.timeoutSec);
     }
-    return AtSendSimpleCmdSpecialTimeout(line_.Text(), spec_.rspPrefix, errorId, spec_.timeoutSec);
+    return AtSendSimpleCmdSpecialTimeout(line_.Text(), description_.rspPrefix, errorId,
+                                         description_.timeoutSec);
 }
 
 int32_t Command::QueryText(char *out, int32_t outSize, int32_t *errorId) const {
     if (!formatted_) return -1;
-    const char *const desc[2] = {line_.Text(), spec_.rspPrefix};
-    return AtSendAndGetSingleStrRspSpecialTimeout(desc, out, outSize, errorId, spec_.timeoutSec);
+    const char *const desc[2] = {line_.Text(), description_.rspPrefix};
+    return AtSendAndGetSingleStrRspSpecialTimeout(desc, out, outSize, errorId,
+                                                  description_.timeoutSec);
 }
 
 int32_t Command::Exchange(OwnedSrvMsg &msg, uint32_t multiRsp) const {
     if (!formatted_) return -1;
-    const auto timeout = static_cast<int32_t>(std::min<uint32_t>(spec_.timeoutSec, INT32_MAX));
-    if (AtInitCommonMsgHandler(msg.Get(), line_.Text(), spec_.rspPrefix, multiRsp, timeout) != 0) {
+    const auto timeout =
+        static_cast<int32_t>(std::min<uint32_t>(description_.timeoutSec, INT32_MAX));
+    if (AtInitCommonMsgHandler(msg.Get(), line_.Text(), description_.rspPrefix, multiRsp,
+                               timeout) != 0) {
         return -1;
     }
     return GetDataFromAtServer(msg.Get());
 }
 
-ParseRows ParseReply(const CommandSpec &spec, char *text, int32_t *status) {
+ParseRows ParseReply(const CommandDescription &description, char *text, int32_t *status) {
     AtCmdParseNode *first = nullptr;
-    *status = ParseAtCmdFunc(&first, spec.parsePrefix, text, spec.moduleId, spec.parseMode);
+    *status = ParseAtCmdFunc(&first, description.parsePrefix, text, description.moduleId,
+                             description.parseMode);
     return ParseRows(first);
 }
 

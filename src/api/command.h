@@ -1,7 +1,7 @@
-// The command frame: a command function names its CommandSpec and field
+// The command frame: a command function names its CommandDescription and field
 // list as constants and hands them, with its arguments, to a Command:
 //
-//   constexpr CommandSpec kLockQuery{"AT^CARDLOCK?", "^CARDLOCK", "^CARDLOCK",
+//   constexpr CommandDescription kLockQuery{"AT^CARDLOCK?", "^CARDLOCK", "^CARDLOCK",
 //                                    AT_PARSE_QUERY, module::kPin};
 //   constexpr auto kLockFields = FieldList(Field<&CardLockInfo::state>("state"),
 //                                          Field<&CardLockInfo::times>("times"));
@@ -10,7 +10,7 @@
 //
 // The line is formatted once, bounded, when the Command is made; a line that
 // does not fit leaves the Command false and every send refuses to go out.
-// A spec marked secret keeps its line in a buffer that is wiped on every
+// A description marked secret keeps its line in a buffer that is wiped on every
 // path and is sent through the secure primitive.
 #pragma once
 
@@ -18,8 +18,8 @@
 #include <cstdint>
 #include <type_traits>
 
+#include "api/command_description.h"
 #include "api/command_line.h"
-#include "api/command_spec.h"
 #include "api/field_list.h"
 #include "api/reply_lines.h"
 #include "api/srv_msg_owner.h"
@@ -37,14 +37,15 @@ concept LineArgument =
 
 class Command {
   public:
-    // A spec without arguments is sent as written.
-    explicit Command(const CommandSpec &spec) : spec_(spec), line_(spec.secrecy) {
-        formatted_ = line_.Format("%s", spec.format);
+    // A description without arguments is sent as written.
+    explicit Command(const CommandDescription &description)
+        : description_(description), line_(description.secrecy) {
+        formatted_ = line_.Format("%s", description.format);
     }
     template <detail::LineArgument... Args>
-    requires(sizeof...(Args) > 0) Command(const CommandSpec &spec, Args... args)
-        : spec_(spec), line_(spec.secrecy) {
-        formatted_ = line_.Format(spec.format, args...);
+    requires(sizeof...(Args) > 0) Command(const CommandDescription &description, Args... args)
+        : description_(description), line_(description.secrecy) {
+        formatted_ = line_.Format(description.format, args...);
     }
 
     // Whether the line was built; false when it did not fit.
@@ -67,12 +68,13 @@ class Command {
     int32_t Query(const Fields<Record, N> &fields, Record &record, int32_t *errorId) const {
         if (!formatted_) return -1;
         std::array<AtParamDesc, N> rows = Bind(fields, record);
-        const AtCmdDesc desc = spec_.Desc(line_.Text());
-        return AtSendAndGetListRspSpecialTimeout(&desc, rows.data(), N, errorId, spec_.timeoutSec);
+        const AtCmdDesc desc = description_.Desc(line_.Text());
+        return AtSendAndGetListRspSpecialTimeout(&desc, rows.data(), N, errorId,
+                                                 description_.timeoutSec);
     }
 
     // The reply text after the response prefix's ':' (or the whole text when
-    // the spec has no prefix) into out, through the single-string primitive.
+    // the description has no prefix) into out, through the single-string primitive.
     template <size_t N>
     int32_t QueryText(char (&out)[N], int32_t *errorId) const {
         return QueryText(out, static_cast<int32_t>(N), errorId);
@@ -84,9 +86,10 @@ class Command {
     template <int32_t Capacity>
     int32_t SendLines(ReplyLines<Capacity> &lines, int32_t *errorId) const {
         if (!formatted_) return -1;
-        const char *const desc[2] = {line_.Text(), spec_.rspPrefix};
+        const char *const desc[2] = {line_.Text(), description_.rspPrefix};
         int32_t count = Capacity;
-        const int32_t ret = AtSendMultiCmd(desc, lines.Slots(), &count, errorId, spec_.timeoutSec);
+        const int32_t ret =
+            AtSendMultiCmd(desc, lines.Slots(), &count, errorId, description_.timeoutSec);
         if (ret == 0) lines.SetCount(count);
         return ret;
     }
@@ -96,22 +99,22 @@ class Command {
     int32_t Exchange(OwnedSrvMsg &msg, uint32_t multiRsp = 0) const;
 
   private:
-    CommandSpec spec_;
+    CommandDescription description_;
     CommandLine line_;
     bool formatted_ = false;
 };
 
-// The first row of text parsed as spec's reply into record.
+// The first row of text parsed as description's reply into record.
 template <typename Record, size_t N>
-int32_t ParseFields(const CommandSpec &spec, char *text, const Fields<Record, N> &fields,
-                    Record &record) {
+int32_t ParseFields(const CommandDescription &description, char *text,
+                    const Fields<Record, N> &fields, Record &record) {
     std::array<AtParamDesc, N> rows = Bind(fields, record);
-    const AtCmdDesc desc = spec.Desc(nullptr);
+    const AtCmdDesc desc = description.Desc(nullptr);
     return AtParseNodeFromBuf(&desc, text, rows.data(), N);
 }
 
-// text parsed as spec's reply; *status gets the parser's code.
-ParseRows ParseReply(const CommandSpec &spec, char *text, int32_t *status);
+// text parsed as description's reply; *status gets the parser's code.
+ParseRows ParseReply(const CommandDescription &description, char *text, int32_t *status);
 
 // Calls visit(name, value) for each field of row (the first node of a row,
 // nextField onwards) whose name and value are both set.

@@ -7,7 +7,7 @@
 #include <cstdarg>
 #include <cstddef>
 
-#include "api/command_spec.h"
+#include "api/command_description.h"
 #include "atapi/at_types.h"
 
 namespace atapi::api {

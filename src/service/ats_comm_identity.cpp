@@ -16,34 +16,34 @@ using atapi::comm::kNonNegative;
 
 constexpr char kTraceSrc[] = "atapi/src/ats_comm";
 
-constexpr CommandSpec kCimi{.format = "AT+CIMI"};
-constexpr CommandSpec kCgsn{.format = "AT+CGSN"};
-constexpr CommandSpec kSn{.format = "AT^SN", .rspPrefix = "^SN:"};
-constexpr CommandSpec kCgmi{.format = "AT+CGMI", .timeoutSec = 5};
-constexpr CommandSpec kCgmm{.format = "AT+CGMM"};
-constexpr CommandSpec kAuthVer{.format = "AT^AUTHVER?", .rspPrefix = "^AUTHVER:"};
+constexpr CommandDescription kCimi{.format = "AT+CIMI"};
+constexpr CommandDescription kCgsn{.format = "AT+CGSN"};
+constexpr CommandDescription kSn{.format = "AT^SN", .rspPrefix = "^SN:"};
+constexpr CommandDescription kCgmi{.format = "AT+CGMI", .timeoutSec = 5};
+constexpr CommandDescription kCgmm{.format = "AT+CGMM"};
+constexpr CommandDescription kAuthVer{.format = "AT^AUTHVER?", .rspPrefix = "^AUTHVER:"};
 
-constexpr CommandSpec kPhyNum{.format = "AT^PHYNUM?", .rspPrefix = "^PHYNUM"};
+constexpr CommandDescription kPhyNum{.format = "AT^PHYNUM?", .rspPrefix = "^PHYNUM"};
 
-constexpr CommandSpec kUiccAuth{.format = "AT^UICCAUTH=%d,%s,%s",
-                                .rspPrefix = "^UICCAUTH:",
-                                .parsePrefix = "^UICCAUTH",
-                                .moduleId = module::kNetwork};
+constexpr CommandDescription kUiccAuth{.format = "AT^UICCAUTH=%d,%s,%s",
+                                       .rspPrefix = "^UICCAUTH:",
+                                       .parsePrefix = "^UICCAUTH",
+                                       .moduleId = module::kNetwork};
 constexpr auto kUiccAuthFields =
     FieldList(Field<&UiccAuthInfo::result>("result", 0, kNonNegative),
               Field<&UiccAuthInfo::res>("res"), Field<&UiccAuthInfo::ck>("ck"),
               Field<&UiccAuthInfo::ik>("ik"), Field<&UiccAuthInfo::auts>("auts"));
 
 constexpr char kDownloadPrefix[] = "download mode result):";
-constexpr CommandSpec kDownloadMode{.format = "AT+ZCDRUN=G", .rspPrefix = kDownloadPrefix};
-constexpr CommandSpec kDownloadValue{.format = "AT+ZCDRUN=%d", .rspPrefix = kDownloadPrefix};
+constexpr CommandDescription kDownloadMode{.format = "AT+ZCDRUN=G", .rspPrefix = kDownloadPrefix};
+constexpr CommandDescription kDownloadValue{.format = "AT+ZCDRUN=%d", .rspPrefix = kDownloadPrefix};
 constexpr uint32_t kDownloadModeOnly = 0;
 constexpr uint32_t kDownloadWithValue = 1;
 constexpr size_t kDownloadAnswerSize = 32;
 
-int32_t QueryIdentity(const CommandSpec &spec, IdentityText *r) {
+int32_t QueryIdentity(const CommandDescription &description, IdentityText *r) {
     if (r == nullptr) return -1;
-    return Command(spec).QueryText(r->text, &r->errorId);
+    return Command(description).QueryText(r->text, &r->errorId);
 }
 
 // One reply line of ^PHYNUM: the text after its ':' up to the line end,

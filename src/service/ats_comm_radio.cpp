@@ -15,17 +15,17 @@ using atapi::comm::SendSet;
 
 constexpr char kTraceSrc[] = "atapi/src/ats_comm";
 
-constexpr CommandSpec kCfunSet{.format = "AT+CFUN=%d", .rspPrefix = "+CFUN:"};
-constexpr CommandSpec kCfunQuery{.format = "AT+CFUN?",
-                                 .rspPrefix = "+CFUN:",
-                                 .parsePrefix = "+CFUN",
-                                 .moduleId = module::kDeviceInfo};
+constexpr CommandDescription kCfunSet{.format = "AT+CFUN=%d", .rspPrefix = "+CFUN:"};
+constexpr CommandDescription kCfunQuery{.format = "AT+CFUN?",
+                                        .rspPrefix = "+CFUN:",
+                                        .parsePrefix = "+CFUN",
+                                        .moduleId = module::kDeviceInfo};
 constexpr auto kCfunFields = FieldList(Field<&SettingInfo::value>("fun", 0, kNonNegative));
 
 // A setting read by the query form and written by the set form ("=%d").
 struct SettingCommands {
-    CommandSpec query;
-    CommandSpec set;
+    CommandDescription query;
+    CommandDescription set;
     Fields<SettingInfo, 1> fields;
 };
 consteval SettingCommands MakeSetting(const char *query, const char *set, const char *prefix,
@@ -42,72 +42,73 @@ constexpr SettingCommands kSetMode =
     MakeSetting("AT^SETMODE?", "AT^SETMODE=%d", "^SETMODE", module::kSysCfg, "work_mode");
 constexpr SettingCommands kShlock =
     MakeSetting("AT^SHLOCK?", "AT^SHLOCK=%d", "^SHLOCK", module::kSysCfg, "State");
-constexpr CommandSpec kShlockWithCode{.format = "AT^SHLOCK=%d,%s", .secrecy = Secrecy::kSecret};
+constexpr CommandDescription kShlockWithCode{.format = "AT^SHLOCK=%d,%s",
+                                             .secrecy = Secrecy::kSecret};
 constexpr SettingCommands kOpenChannel =
     MakeSetting("AT^LOPCNL?", "AT^LOPCNL=%d", "^LOPCNL", module::kSysCfg, "mode");
 
-constexpr CommandSpec kNetreg{.format = "AT^NDISSTATQRY?",
-                              .rspPrefix = "^NDISSTATQRY",
-                              .parsePrefix = "^NDISSTATQRY",
-                              .moduleId = module::kConnStat};
+constexpr CommandDescription kNetreg{.format = "AT^NDISSTATQRY?",
+                                     .rspPrefix = "^NDISSTATQRY",
+                                     .parsePrefix = "^NDISSTATQRY",
+                                     .moduleId = module::kConnStat};
 constexpr auto kNetregFields = FieldList(Field<&SettingInfo::value>("stat"));
 
-constexpr CommandSpec kChipTemp{.format = "AT^CHIPTEMP?",
-                                .rspPrefix = "^CHIPTEMP",
-                                .parsePrefix = "^CHIPTEMP",
-                                .moduleId = module::kChipTemp};
+constexpr CommandDescription kChipTemp{.format = "AT^CHIPTEMP?",
+                                       .rspPrefix = "^CHIPTEMP",
+                                       .parsePrefix = "^CHIPTEMP",
+                                       .moduleId = module::kChipTemp};
 constexpr auto kChipTempFields =
     FieldList(Field<&ChipTempInfo::gpaTemp>("gpa_temp"), Field<&ChipTempInfo::wpaTemp>("wpa_temp"),
               Field<&ChipTempInfo::lpaTemp>("lpa_temp"), Field<&ChipTempInfo::simTemp>("sim_temp"),
               Field<&ChipTempInfo::batTemp>("bat_temp"),
               Field<&ChipTempInfo::tcxoTemp>("tcxo_temp"), Field<&ChipTempInfo::bbTemp>("bb_temp"));
 
-constexpr CommandSpec kAdcRange{.format = "AT^ADCREADEX=?",
-                                .rspPrefix = "^ADCREADEX",
-                                .parsePrefix = "^ADCREADEX",
-                                .moduleId = module::kSysCfg};
-constexpr CommandSpec kAdcRead{.format = "AT^ADCREADEX=%d",
-                               .rspPrefix = "^ADCREADEX",
-                               .parsePrefix = "^ADCREADEX",
-                               .moduleId = module::kSysCfg};
+constexpr CommandDescription kAdcRange{.format = "AT^ADCREADEX=?",
+                                       .rspPrefix = "^ADCREADEX",
+                                       .parsePrefix = "^ADCREADEX",
+                                       .moduleId = module::kSysCfg};
+constexpr CommandDescription kAdcRead{.format = "AT^ADCREADEX=%d",
+                                      .rspPrefix = "^ADCREADEX",
+                                      .parsePrefix = "^ADCREADEX",
+                                      .moduleId = module::kSysCfg};
 constexpr auto kAdcFields = FieldList(Field<&AdcReadInfo::value>("adc_value"));
 
-constexpr CommandSpec kAntModeQuery{.format = "AT^ANTMODE?",
-                                    .rspPrefix = "^ANTMODE",
-                                    .parsePrefix = "^ANTMODE",
-                                    .moduleId = module::kSysCfg};
-constexpr CommandSpec kAntModeSet{.format = "AT^ANTMODE=%d,%d"};
+constexpr CommandDescription kAntModeQuery{.format = "AT^ANTMODE?",
+                                           .rspPrefix = "^ANTMODE",
+                                           .parsePrefix = "^ANTMODE",
+                                           .moduleId = module::kSysCfg};
+constexpr CommandDescription kAntModeSet{.format = "AT^ANTMODE=%d,%d"};
 constexpr auto kAntModeFields =
     FieldList(Field<&AntModeInfo::nwMode>("nw_mode"), Field<&AntModeInfo::antMode>("ant_mode"));
-constexpr CommandSpec kSingleAntModeSet{.format = "AT^ANTMODE=%d,%d,%d,%d"};
+constexpr CommandDescription kSingleAntModeSet{.format = "AT^ANTMODE=%d,%d,%d,%d"};
 constexpr auto kSingleAntModeFields =
     FieldList(Field<&SingleAntModeInfo::ulAntEnable>("ulAntEnable"),
               Field<&SingleAntModeInfo::ulAntIndex>("ulAntIndex"),
               Field<&SingleAntModeInfo::dlAntEnable>("dlAntEnable"),
               Field<&SingleAntModeInfo::dlAntIndex>("dlAntIndex"));
 
-constexpr CommandSpec kXoTempQuery{.format = "AT^XOTEMP?",
-                                   .rspPrefix = "^XOTEMP",
-                                   .parsePrefix = "^XOTEMP",
-                                   .moduleId = module::kSysCfg};
+constexpr CommandDescription kXoTempQuery{.format = "AT^XOTEMP?",
+                                          .rspPrefix = "^XOTEMP",
+                                          .parsePrefix = "^XOTEMP",
+                                          .moduleId = module::kSysCfg};
 constexpr auto kXoTempFields = FieldList(Field<&XoTempInfo::crystalTemp>("CRYSTALtemp"));
-constexpr CommandSpec kXoTempRange{.format = "AT^XOTEMP=?",
-                                   .rspPrefix = "^XOTEMP:",
-                                   .parsePrefix = "^XOTEMP",
-                                   .moduleId = module::kSysCfg};
+constexpr CommandDescription kXoTempRange{.format = "AT^XOTEMP=?",
+                                          .rspPrefix = "^XOTEMP:",
+                                          .parsePrefix = "^XOTEMP",
+                                          .moduleId = module::kSysCfg};
 constexpr auto kXoTempRangeFields =
     FieldList(Field<&XoTempInfo::crystalTempRange>("CRYSTALtemp Range"));
 
-constexpr CommandSpec kHs{.format = "AT^HS=%d,%d",
-                          .rspPrefix = "^HS",
-                          .parsePrefix = "^HS",
-                          .moduleId = module::kDeviceInfo};
+constexpr CommandDescription kHs{.format = "AT^HS=%d,%d",
+                                 .rspPrefix = "^HS",
+                                 .parsePrefix = "^HS",
+                                 .moduleId = module::kDeviceInfo};
 constexpr auto kHsFields =
     FieldList(Field<&HsInfo::id>("id"), Field<&HsInfo::protocol>("protocol"),
               Field<&HsInfo::isOffline>("IsOffline"), Field<&HsInfo::pClass>("p_class"),
               Field<&HsInfo::pId>("p_id"), Field<&HsInfo::sId>("s_id"));
 
-constexpr CommandSpec kBackupAntCtrl{.format = "AT^BACKUPANTCTRL=%u,%u,%u,%u,%u"};
+constexpr CommandDescription kBackupAntCtrl{.format = "AT^BACKUPANTCTRL=%u,%u,%u,%u,%u"};
 
 int32_t AsInt(uint32_t value) { return static_cast<int32_t>(value); }
 

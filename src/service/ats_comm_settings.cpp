@@ -16,16 +16,16 @@ using atapi::comm::SendSet;
 
 constexpr char kTraceSrc[] = "atapi/src/ats_comm";
 
-constexpr CommandSpec kDatalockQuery{.format = "AT^DATALOCK?", .rspPrefix = "^DATALOCK"};
-constexpr CommandSpec kDatalockSet{.format = "AT^DATALOCK=%s", .secrecy = Secrecy::kSecret};
-constexpr CommandSpec kRsimQuery{.format = "AT^RSIM?", .rspPrefix = "^RSIM"};
-constexpr CommandSpec kMmiEcho{.format = "AT^MMIECHO="};
-constexpr CommandSpec kActiveNcfg{.format = "AT^ACTIVENCFG=1"};
-constexpr CommandSpec kSharePdpNvWr{.format = "AT^USERNVWR=2591,4,%u 0 0 0"};
+constexpr CommandDescription kDatalockQuery{.format = "AT^DATALOCK?", .rspPrefix = "^DATALOCK"};
+constexpr CommandDescription kDatalockSet{.format = "AT^DATALOCK=%s", .secrecy = Secrecy::kSecret};
+constexpr CommandDescription kRsimQuery{.format = "AT^RSIM?", .rspPrefix = "^RSIM"};
+constexpr CommandDescription kMmiEcho{.format = "AT^MMIECHO="};
+constexpr CommandDescription kActiveNcfg{.format = "AT^ACTIVENCFG=1"};
+constexpr CommandDescription kSharePdpNvWr{.format = "AT^USERNVWR=2591,4,%u 0 0 0"};
 
 // A value that a boolean query accepts, and how its refusal names it.
 struct BoundedValue {
-    CommandSpec query;
+    CommandDescription query;
     int32_t max;  // accepted: 0..max
     const char *name;
 };
@@ -33,7 +33,7 @@ constexpr BoundedValue kProductType{
     {.format = "AT^PRODTYPE?", .rspPrefix = "^PRODTYPE"}, 3, "prodType"};
 constexpr BoundedValue kLogPortType{
     {.format = "AT^LOGPORT?", .rspPrefix = "^LOGPORT"}, 5, "portType"};
-constexpr CommandSpec kLogPortSet{.format = "AT^LOGPORT=%d,%d"};
+constexpr CommandDescription kLogPortSet{.format = "AT^LOGPORT=%d,%d"};
 constexpr uint32_t kMaxLogPortConfig = 1;
 
 // The single answers here are a number or a flag behind the reply prefix.

@@ -19,10 +19,10 @@ using namespace atapi::api;
 constexpr char kTraceSrc[] = "atapi/src/ats_comm";
 
 constexpr int32_t kVersionLines = 32;
-constexpr CommandSpec kVersionQuery{.format = "AT^VERSION?",
-                                    .rspPrefix = "^VERSION",
-                                    .parsePrefix = "^VERSION",
-                                    .moduleId = module::kSysCfg};
+constexpr CommandDescription kVersionQuery{.format = "AT^VERSION?",
+                                           .rspPrefix = "^VERSION",
+                                           .parsePrefix = "^VERSION",
+                                           .moduleId = module::kSysCfg};
 
 // The keywords in the order they are tried, and the field each line fills.
 struct VersionSlot {

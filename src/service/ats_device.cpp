@@ -26,8 +26,9 @@ constexpr char kTraceSrc[] = "atapi/src/ats_device";
 constexpr char kParamIsNull[] = "param is null";
 constexpr char kParamInIsNull[] = "param in is null";
 
-consteval CommandSpec Read(const char *format, const char *prefix, uint32_t mode = AT_PARSE_TEST,
-                           int32_t moduleId = module::kSysCfg) {
+consteval CommandDescription Read(const char *format, const char *prefix,
+                                  uint32_t mode = AT_PARSE_TEST,
+                                  int32_t moduleId = module::kSysCfg) {
     return {.format = format,
             .rspPrefix = prefix,
             .parsePrefix = prefix,
@@ -39,64 +40,64 @@ consteval CommandSpec Read(const char *format, const char *prefix, uint32_t mode
 // it has none) and the fields of their answer.
 template <typename Record, size_t N>
 struct Setting {
-    CommandSpec query;
-    CommandSpec test;
+    CommandDescription query;
+    CommandDescription test;
     Fields<Record, N> fields;
 };
 template <typename Record, size_t N>
-Setting(CommandSpec, CommandSpec, Fields<Record, N>) -> Setting<Record, N>;
+Setting(CommandDescription, CommandDescription, Fields<Record, N>) -> Setting<Record, N>;
 
-constexpr CommandSpec kNoTest{.format = nullptr};
+constexpr CommandDescription kNoTest{.format = nullptr};
 
 constexpr Setting kWakeup{
     Read("AT^WAKEUPCFG?", "^WAKEUPCFG"), Read("AT^WAKEUPCFG=?", "^WAKEUPCFG"),
     FieldList(Field<&WakeupCfgInfo::wakeupSwitch>("switch"),
               Field<&WakeupCfgInfo::channel>("channel"), Field<&WakeupCfgInfo::source>("source"))};
-constexpr CommandSpec kWakeupSet{.format = "AT^WAKEUPCFG=%u,%u,%u"};
+constexpr CommandDescription kWakeupSet{.format = "AT^WAKEUPCFG=%u,%u,%u"};
 
 constexpr Setting kCurc{Read("AT^CURC?", "^CURC"), Read("AT^CURC=?", "^CURC"),
                         FieldList(Field<&CurcInfo::mode>("mode"))};
-constexpr CommandSpec kCurcSet{.format = "AT^CURC=%u"};
+constexpr CommandDescription kCurcSet{.format = "AT^CURC=%u"};
 
 constexpr Setting kTrustNum{Read("AT^TRUSTNUM=?", "^TRUSTNUM"), kNoTest,
                             FieldList(Field<&TrustNumInfo::index>("index"))};
-constexpr CommandSpec kTrustNumSet{.format = "AT^TRUSTNUM=%u,\"%s\""};
+constexpr CommandDescription kTrustNumSet{.format = "AT^TRUSTNUM=%u,\"%s\""};
 
 constexpr Setting kThermFun{Read("AT^THERMFUN?", "^THERMFUN"), kNoTest,
                             FieldList(Field<&ThermFunInfo::thermSwitch>("switch"))};
-constexpr CommandSpec kThermFunSet{.format = "AT^THERMFUN=%d"};
+constexpr CommandDescription kThermFunSet{.format = "AT^THERMFUN=%d"};
 
 constexpr Setting kWatchdog{Read("AT^SETWDTIME?", "^SETWDTIME"), kNoTest,
                             FieldList(Field<&WatchdogInfo::watchdogTime>("watchdog_time"))};
-constexpr CommandSpec kWatchdogSet{.format = "AT^SETWDTIME=%u"};
+constexpr CommandDescription kWatchdogSet{.format = "AT^SETWDTIME=%u"};
 
-constexpr CommandSpec kSkuQuery{
+constexpr CommandDescription kSkuQuery{
     .format = "AT^SKU?", .rspPrefix = "^SKU:", .parsePrefix = "^SKU", .moduleId = module::kNetwork};
 constexpr auto kSkuFields = FieldList(Field<&SkuInfo::n>("n"), Field<&SkuInfo::simlock>("simlock"));
-constexpr CommandSpec kSkuSet{.format = "AT^SKU=%d"};
+constexpr CommandDescription kSkuSet{.format = "AT^SKU=%d"};
 constexpr uint32_t kSkuMax = 2;
 
-constexpr CommandSpec kThermState = Read("AT^THERMSTATE?", "^THERMSTATE");
+constexpr CommandDescription kThermState = Read("AT^THERMSTATE?", "^THERMSTATE");
 constexpr auto kThermStateFields = FieldList(Field<&ThermStateInfo::state>("state"));
-constexpr CommandSpec kBatteryState = Read("AT^APBATLVL", "^APBATLVL", AT_PARSE_QUERY);
+constexpr CommandDescription kBatteryState = Read("AT^APBATLVL", "^APBATLVL", AT_PARSE_QUERY);
 constexpr auto kBatteryStateFields =
     FieldList(Field<&BatteryStateInfo::batterylvl>("batterylvl"),
               Field<&BatteryStateInfo::chargerState>("chargerState"));
-constexpr CommandSpec kBatteryInfo = Read("AT+CBC", "+CBC", AT_PARSE_QUERY);
+constexpr CommandDescription kBatteryInfo = Read("AT+CBC", "+CBC", AT_PARSE_QUERY);
 constexpr auto kBatteryInfoFields =
     FieldList(Field<&BatteryInfo::bcs>("bcs"), Field<&BatteryInfo::bcl>("bcl"));
-constexpr CommandSpec kAntenna = Read("AT^ANQUERY?", "^ANQUERY", AT_PARSE_QUERY);
+constexpr CommandDescription kAntenna = Read("AT^ANQUERY?", "^ANQUERY", AT_PARSE_QUERY);
 constexpr auto kAntennaFields =
     FieldList(Field<&AntennaInfo::rscp>("rscp"), Field<&AntennaInfo::ecio>("ecio"),
               Field<&AntennaInfo::antennaLevel>("antenna_level"));
 
-constexpr CommandSpec kFactoryReset{.format = "AT&F"};
-constexpr CommandSpec kNvBackup{.format = "AT^NVBACKUP"};
-constexpr CommandSpec kNvBackupbk{.format = "AT^NVBACKUPBK"};
-constexpr CommandSpec kNvRstStts{.format = "AT^NVRSTSTTS", .rspPrefix = "^NVRSTSTTS"};
+constexpr CommandDescription kFactoryReset{.format = "AT&F"};
+constexpr CommandDescription kNvBackup{.format = "AT^NVBACKUP"};
+constexpr CommandDescription kNvBackupbk{.format = "AT^NVBACKUPBK"};
+constexpr CommandDescription kNvRstStts{.format = "AT^NVRSTSTTS", .rspPrefix = "^NVRSTSTTS"};
 constexpr size_t kNumberAnswerSize = 32;
 
-constexpr CommandSpec kGodLoad{.format = "AT^GODLOAD", .rspPrefix = "^GODLOAD"};
+constexpr CommandDescription kGodLoad{.format = "AT^GODLOAD", .rspPrefix = "^GODLOAD"};
 constexpr char kRebootLog[] = "rebootcms";
 constexpr char kRebootReason[] = "echo -n \"update\" > /proc/mbb_reb/reason";
 
@@ -118,12 +119,12 @@ int32_t Handle(uint32_t op, Record *r, const Setting<Record, N> &s, MakeSet set,
 
 // A report without a set form.
 template <typename Record, size_t N>
-int32_t Report(const CommandSpec &spec, const Fields<Record, N> &fields, Record *r) {
+int32_t Report(const CommandDescription &description, const Fields<Record, N> &fields, Record *r) {
     if (r == nullptr) {
         AT_LOG_ERR("%s", kParamIsNull);
         return -1;
     }
-    return Command(spec).Query(fields, *r, &r->errorId);
+    return Command(description).Query(fields, *r, &r->errorId);
 }
 
 int32_t AsInt(uint32_t value) { return static_cast<int32_t>(value); }
@@ -137,8 +138,8 @@ bool IsQuotable(const char *number) {
     return true;
 }
 
-int32_t AtNvFunc(const CommandSpec &spec) {
-    if (Command(spec).Send(nullptr) != 0) {
+int32_t AtNvFunc(const CommandDescription &description) {
+    if (Command(description).Send(nullptr) != 0) {
         AT_LOG_ERR("error occurred in AtNvFunc");
         return -1;
     }

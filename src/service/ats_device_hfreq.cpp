@@ -20,11 +20,11 @@ using atapi::device::ParseHfreqInfoResult;
 
 constexpr char kTraceSrc[] = "atapi/src/ats_device";
 
-constexpr CommandSpec kHfreqSet{.format = "AT^HFREQINFO=%d"};
-constexpr CommandSpec kHfreqQuery{.format = "AT^HFREQINFO?",
-                                  .rspPrefix = "^HFREQINFO",
-                                  .parsePrefix = "^HFREQINFO",
-                                  .moduleId = module::kNetwork};
+constexpr CommandDescription kHfreqSet{.format = "AT^HFREQINFO=%d"};
+constexpr CommandDescription kHfreqQuery{.format = "AT^HFREQINFO?",
+                                         .rspPrefix = "^HFREQINFO",
+                                         .parsePrefix = "^HFREQINFO",
+                                         .moduleId = module::kNetwork};
 constexpr char kLinePrefix[] = "^HFREQINFO";
 constexpr int32_t kMaxLines = 16;  // a line per technology; carrier lists stay on their line
 constexpr size_t kPrefixedSize = AT_REPORT_STR_LEN + sizeof "^HFREQINFO: ";

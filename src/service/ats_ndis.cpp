@@ -20,55 +20,57 @@ constexpr uint32_t kSecretTimeoutSec = 30;
 // Dial-up. Without a profile only the cid and the connect flag go out; with
 // one, the APN parameter stays empty (not "") unless the profile's APN is
 // static, and a static IP address is the last parameter.
-constexpr CommandSpec kNdisDupBare{.format = "AT^NDISDUP=%d,%d",
-                                   .rspPrefix = "^NDISDUP",
-                                   .timeoutSec = kSecretTimeoutSec,
-                                   .secrecy = Secrecy::kSecret};
-constexpr CommandSpec kNdisDupApnIp{.format = "AT^NDISDUP=%d,%d,\"%s\",\"%s\",\"%s\",%c,\"%s\"",
-                                    .rspPrefix = "^NDISDUP",
-                                    .timeoutSec = kSecretTimeoutSec,
-                                    .secrecy = Secrecy::kSecret};
-constexpr CommandSpec kNdisDupApn{.format = "AT^NDISDUP=%d,%d,\"%s\",\"%s\",\"%s\",%c",
-                                  .rspPrefix = "^NDISDUP",
-                                  .timeoutSec = kSecretTimeoutSec,
-                                  .secrecy = Secrecy::kSecret};
-constexpr CommandSpec kNdisDupNoApn{.format = "AT^NDISDUP=%d,%d,,\"%s\",\"%s\",%c",
-                                    .rspPrefix = "^NDISDUP",
-                                    .timeoutSec = kSecretTimeoutSec,
-                                    .secrecy = Secrecy::kSecret};
-constexpr CommandSpec kNdisDupIp{.format = "AT^NDISDUP=%d,%d,,\"%s\",\"%s\",%c,\"%s\"",
-                                 .rspPrefix = "^NDISDUP",
-                                 .timeoutSec = kSecretTimeoutSec,
-                                 .secrecy = Secrecy::kSecret};
+constexpr CommandDescription kNdisDupBare{.format = "AT^NDISDUP=%d,%d",
+                                          .rspPrefix = "^NDISDUP",
+                                          .timeoutSec = kSecretTimeoutSec,
+                                          .secrecy = Secrecy::kSecret};
+constexpr CommandDescription kNdisDupApnIp{
+    .format = "AT^NDISDUP=%d,%d,\"%s\",\"%s\",\"%s\",%c,\"%s\"",
+    .rspPrefix = "^NDISDUP",
+    .timeoutSec = kSecretTimeoutSec,
+    .secrecy = Secrecy::kSecret};
+constexpr CommandDescription kNdisDupApn{.format = "AT^NDISDUP=%d,%d,\"%s\",\"%s\",\"%s\",%c",
+                                         .rspPrefix = "^NDISDUP",
+                                         .timeoutSec = kSecretTimeoutSec,
+                                         .secrecy = Secrecy::kSecret};
+constexpr CommandDescription kNdisDupNoApn{.format = "AT^NDISDUP=%d,%d,,\"%s\",\"%s\",%c",
+                                           .rspPrefix = "^NDISDUP",
+                                           .timeoutSec = kSecretTimeoutSec,
+                                           .secrecy = Secrecy::kSecret};
+constexpr CommandDescription kNdisDupIp{.format = "AT^NDISDUP=%d,%d,,\"%s\",\"%s\",%c,\"%s\"",
+                                        .rspPrefix = "^NDISDUP",
+                                        .timeoutSec = kSecretTimeoutSec,
+                                        .secrecy = Secrecy::kSecret};
 
-constexpr CommandSpec kCgdcontSet{.format = "AT+CGDCONT=%d,\"%s\",\"%s\"", .rspPrefix = "+CGDCONT"};
+constexpr CommandDescription kCgdcontSet{.format = "AT+CGDCONT=%d,\"%s\",\"%s\"",
+                                         .rspPrefix = "+CGDCONT"};
 // After the APN: an empty quoted PDP address and thirteen empty parameters,
 // so that the S-NSSAI is the 18th of 22 parameters.
 constexpr char kNssaiTail[] = ",\"\",,,,,,,,,,,,,,\"%s\",,,,";
 
-constexpr CommandSpec kCgdcontQuery{.format = "AT+CGDCONT?",
-                                    .rspPrefix = "+CGDCONT",
-                                    .parsePrefix = "+CGDCONT",
-                                    .moduleId = module::kPdpContext};
+constexpr CommandDescription kCgdcontQuery{.format = "AT+CGDCONT?",
+                                           .rspPrefix = "+CGDCONT",
+                                           .parsePrefix = "+CGDCONT",
+                                           .moduleId = module::kPdpContext};
 constexpr auto kCgdcontFields =
     FieldList(Field<&PdpContextInfo::cid>("cid"), Field<&PdpContextInfo::pdpType>("PDP_type"),
               Field<&PdpContextInfo::apn>("APN"));
 
-constexpr CommandSpec kAuthDataSet{.format = "AT^AUTHDATA=%d,%d,\"%s\",\"%s\",\"%s\"",
-                                   .rspPrefix = "^AUTHDATA",
-                                   .timeoutSec = kSecretTimeoutSec,
-                                   .secrecy = Secrecy::kSecret};
-constexpr CommandSpec kAuthDataQuery{.format = "AT^AUTHDATA?",
-                                     .rspPrefix = "^AUTHDATA",
-                                     .parsePrefix = "^AUTHDATA",
-                                     .moduleId = module::kAuthData};
+constexpr CommandDescription kAuthDataSet{.format = "AT^AUTHDATA=%d,%d,\"%s\",\"%s\",\"%s\"",
+                                          .rspPrefix = "^AUTHDATA",
+                                          .timeoutSec = kSecretTimeoutSec,
+                                          .secrecy = Secrecy::kSecret};
+constexpr CommandDescription kAuthDataQuery{.format = "AT^AUTHDATA?",
+                                            .rspPrefix = "^AUTHDATA",
+                                            .parsePrefix = "^AUTHDATA",
+                                            .moduleId = module::kAuthData};
 constexpr auto kAuthDataFields =
     FieldList(Field<&AuthDataInfo::cid>("cid"), Field<&AuthDataInfo::authType>("Auth_type"),
               Field<&AuthDataInfo::plmn>("PLMN"), Field<&AuthDataInfo::passwd>("passwd"),
               Field<&AuthDataInfo::username>("username"));
 
-constexpr CommandSpec kChDataBind{.format = "AT^CHDATA=%d,%d", .rspPrefix = "^CHDATA"};
-constexpr CommandSpec kChDataDefault{.format = "AT^CHDATA=%d", .rspPrefix = "^CHDATA"};
+constexpr CommandDescription kChDataBind{.format = "AT^CHDATA=%d,%d", .rspPrefix = "^CHDATA"};
+constexpr CommandDescription kChDataDefault{.format = "AT^CHDATA=%d", .rspPrefix = "^CHDATA"};
 
 // What the by-cid readers log, as each has always logged it.
 struct ByCidLog {
@@ -85,7 +87,7 @@ constexpr ByCidLog kAuthDataByCidLog{"dataNum", "AtGetAuthDataParseResult failed
 // line, until one carries the wanted cid: 0 then, else -1 with the record
 // holding the last line read.
 template <int32_t Capacity, typename Record, size_t N>
-int32_t ReadByCid(const CommandSpec &query, const Fields<Record, N> &fields, Record &record,
+int32_t ReadByCid(const CommandDescription &query, const Fields<Record, N> &fields, Record &record,
                   uint32_t cid, const ByCidLog &log) {
     ReplyLines<Capacity> lines;
     if (Command(query).SendLines(lines, nullptr) != 0) return -1;

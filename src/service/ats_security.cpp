@@ -18,54 +18,54 @@ constexpr uint32_t kOpQuery = 0;
 constexpr uint32_t kOpSet = 1;
 constexpr uint32_t kPinTimeoutSec = 5;  // every ^CPIN and +CLCK exchange
 
-constexpr CommandSpec kCpinQuery{
+constexpr CommandDescription kCpinQuery{
     .format = "AT+CPIN?", .rspPrefix = "+CPIN", .parsePrefix = "+CPIN", .moduleId = module::kPin};
-constexpr CommandSpec kCpinEnter{
+constexpr CommandDescription kCpinEnter{
     .format = "AT+CPIN=\"%s\"", .rspPrefix = "+CPIN", .secrecy = Secrecy::kSecret};
-constexpr CommandSpec kCpinReplace{
+constexpr CommandDescription kCpinReplace{
     .format = "AT+CPIN=\"%s\",\"%s\"", .rspPrefix = "+CPIN", .secrecy = Secrecy::kSecret};
 constexpr auto kCpinFields = FieldList(Field<&CpinInfo::code>("code"));
 
-constexpr CommandSpec kCpinExQuery{.format = "AT^CPIN?",
-                                   .rspPrefix = "^CPIN",
-                                   .parsePrefix = "^CPIN",
-                                   .moduleId = module::kPin,
-                                   .timeoutSec = kPinTimeoutSec};
-constexpr CommandSpec kCpinExEnter{.format = "AT^CPIN=\"%s\"",
-                                   .rspPrefix = "^CPIN",
-                                   .timeoutSec = kPinTimeoutSec,
-                                   .secrecy = Secrecy::kSecret};
-constexpr CommandSpec kCpinExReplace{.format = "AT^CPIN=\"%s\",\"%s\"",
-                                     .rspPrefix = "^CPIN",
-                                     .timeoutSec = kPinTimeoutSec,
-                                     .secrecy = Secrecy::kSecret};
+constexpr CommandDescription kCpinExQuery{.format = "AT^CPIN?",
+                                          .rspPrefix = "^CPIN",
+                                          .parsePrefix = "^CPIN",
+                                          .moduleId = module::kPin,
+                                          .timeoutSec = kPinTimeoutSec};
+constexpr CommandDescription kCpinExEnter{.format = "AT^CPIN=\"%s\"",
+                                          .rspPrefix = "^CPIN",
+                                          .timeoutSec = kPinTimeoutSec,
+                                          .secrecy = Secrecy::kSecret};
+constexpr CommandDescription kCpinExReplace{.format = "AT^CPIN=\"%s\",\"%s\"",
+                                            .rspPrefix = "^CPIN",
+                                            .timeoutSec = kPinTimeoutSec,
+                                            .secrecy = Secrecy::kSecret};
 constexpr auto kCpinExFields = FieldList(
     Field<&CpinExInfo::code>("code"), Field<&CpinExInfo::times>("times"),
     Field<&CpinExInfo::pukTimes>("puk_times"), Field<&CpinExInfo::pinTimes>("pin_times"),
     Field<&CpinExInfo::puk2Times>("puk2_times"), Field<&CpinExInfo::pin2Times>("pin2_times"));
 
-constexpr CommandSpec kCardLockQuery{.format = "AT^CARDLOCK?",
-                                     .rspPrefix = "^CARDLOCK",
-                                     .parsePrefix = "^CARDLOCK",
-                                     .moduleId = module::kPin};
-constexpr CommandSpec kCardLockUnlock{
+constexpr CommandDescription kCardLockQuery{.format = "AT^CARDLOCK?",
+                                            .rspPrefix = "^CARDLOCK",
+                                            .parsePrefix = "^CARDLOCK",
+                                            .moduleId = module::kPin};
+constexpr CommandDescription kCardLockUnlock{
     .format = "AT^CARDLOCK=\"%s\"", .rspPrefix = "^CARDLOCK", .secrecy = Secrecy::kSecret};
 constexpr auto kCardLockFields =
     FieldList(Field<&CardLockInfo::state>("state"), Field<&CardLockInfo::times>("times"));
 
-constexpr CommandSpec kClckQuery{.format = "AT+CLCK=\"%s\",%s",
-                                 .rspPrefix = "+CLCK",
-                                 .parsePrefix = "+CLCK",
-                                 .parseMode = AT_PARSE_SET,
-                                 .moduleId = module::kPin,
-                                 .timeoutSec = kPinTimeoutSec};
-constexpr CommandSpec kClckSet{.format = "AT+CLCK=\"%s\",%s,\"%s\"",
-                               .rspPrefix = "+CLCK",
-                               .timeoutSec = kPinTimeoutSec,
-                               .secrecy = Secrecy::kSecret};
+constexpr CommandDescription kClckQuery{.format = "AT+CLCK=\"%s\",%s",
+                                        .rspPrefix = "+CLCK",
+                                        .parsePrefix = "+CLCK",
+                                        .parseMode = AT_PARSE_SET,
+                                        .moduleId = module::kPin,
+                                        .timeoutSec = kPinTimeoutSec};
+constexpr CommandDescription kClckSet{.format = "AT+CLCK=\"%s\",%s,\"%s\"",
+                                      .rspPrefix = "+CLCK",
+                                      .timeoutSec = kPinTimeoutSec,
+                                      .secrecy = Secrecy::kSecret};
 constexpr auto kClckFields = FieldList(Field<&ClckResult::status>("status"));
 
-constexpr CommandSpec kCpwd{
+constexpr CommandDescription kCpwd{
     .format = "AT+CPWD=\"%s\",\"%s\",\"%s\"", .rspPrefix = "+CPWD", .secrecy = Secrecy::kSecret};
 
 // Query forms: an error reply (3, 4) has stored its id and counts as done.

@@ -15,35 +15,35 @@ using namespace atapi::api;
 
 constexpr char kTraceSrc[] = "atapi/src/ats_usim";
 
-constexpr CommandSpec kCnum{.format = "AT+CNUM",
-                            .rspPrefix = "+CNUM",
-                            .parsePrefix = "+CNUM",
-                            .moduleId = module::kSysCfg,
-                            .timeoutSec = 5};
+constexpr CommandDescription kCnum{.format = "AT+CNUM",
+                                   .rspPrefix = "+CNUM",
+                                   .parsePrefix = "+CNUM",
+                                   .moduleId = module::kSysCfg,
+                                   .timeoutSec = 5};
 constexpr int32_t kCnumMaxLines = 255;
 
-constexpr CommandSpec kCsim{.format = "AT+CSIM=%u,\"%s\"",
-                            .rspPrefix = "+CSIM",
-                            .parsePrefix = "+CSIM",
-                            .moduleId = module::kSysCfg};
+constexpr CommandDescription kCsim{.format = "AT+CSIM=%u,\"%s\"",
+                                   .rspPrefix = "+CSIM",
+                                   .parsePrefix = "+CSIM",
+                                   .moduleId = module::kSysCfg};
 constexpr auto kCsimFields =
     FieldList(Field<&CsimInfo::rspLength>("length"), Field<&CsimInfo::response>("response"));
 constexpr uint32_t kCsimMinLength = 10;
 constexpr uint32_t kCsimMaxLength = 520;
 
-constexpr CommandSpec kHvsst{.format = "AT^HVSST=%d,%d"};
+constexpr CommandDescription kHvsst{.format = "AT^HVSST=%d,%d"};
 
-constexpr CommandSpec kSimSwitchQuery{.format = "AT^SIMSWITCH?",
-                                      .rspPrefix = "^SIMSWITCH:",
-                                      .parsePrefix = "^SIMSWITCH",
-                                      .moduleId = module::kSysCfg};
-constexpr CommandSpec kSimSwitchSet{.format = "AT^SIMSWITCH=%d"};
+constexpr CommandDescription kSimSwitchQuery{.format = "AT^SIMSWITCH?",
+                                             .rspPrefix = "^SIMSWITCH:",
+                                             .parsePrefix = "^SIMSWITCH",
+                                             .moduleId = module::kSysCfg};
+constexpr CommandDescription kSimSwitchSet{.format = "AT^SIMSWITCH=%d"};
 constexpr auto kSimSwitchFields = FieldList(Field<&SimSwitchInfo::simType>("sim_type"));
 
-constexpr CommandSpec kCardType{.format = "AT^CARDTYPE?",
-                                .rspPrefix = "^CARDTYPE",
-                                .parsePrefix = "^CARDTYPE",
-                                .moduleId = module::kPin};
+constexpr CommandDescription kCardType{.format = "AT^CARDTYPE?",
+                                       .rspPrefix = "^CARDTYPE",
+                                       .parsePrefix = "^CARDTYPE",
+                                       .moduleId = module::kPin};
 constexpr auto kCardTypeFields =
     FieldList(Field<&CardTypeInfo::cardMode>("cardMode"), Field<&CardTypeInfo::hasCdma>("hasCdma"),
               Field<&CardTypeInfo::hasGsm>("hasGsm"));

@@ -23,12 +23,12 @@ using atapi::usim::kCardUsim;
 
 constexpr char kTraceSrc[] = "atapi/src/ats_usim";
 
-constexpr CommandSpec kCrsmWithData{.format = "AT+CRSM=%d,%d,%d,%d,%d,%s,\"%s\"",
-                                    .parsePrefix = "+CRSM",
-                                    .moduleId = module::kSysCfg};
-constexpr CommandSpec kCrsm{.format = "AT+CRSM=%d,%d,%d,%d,%d,,\"%s\"",
-                            .parsePrefix = "+CRSM",
-                            .moduleId = module::kSysCfg};
+constexpr CommandDescription kCrsmWithData{.format = "AT+CRSM=%d,%d,%d,%d,%d,%s,\"%s\"",
+                                           .parsePrefix = "+CRSM",
+                                           .moduleId = module::kSysCfg};
+constexpr CommandDescription kCrsm{.format = "AT+CRSM=%d,%d,%d,%d,%d,,\"%s\"",
+                                   .parsePrefix = "+CRSM",
+                                   .moduleId = module::kSysCfg};
 
 // The reply's fields, before the response moves to the heap.
 struct CrsmReply {

@@ -19,12 +19,12 @@ using atapi::call::SendForOk;
 
 constexpr char kTraceSrc[] = "atapi/src/m2m_ats_call";
 
-constexpr CommandSpec kDial{.format = "ATD%s;"};
-constexpr CommandSpec kAnswer{.format = "ATA"};
-constexpr CommandSpec kHangUp{.format = "AT+CHUP"};
-constexpr CommandSpec kHold{.format = "AT+CHLD=%d"};
+constexpr CommandDescription kDial{.format = "ATD%s;"};
+constexpr CommandDescription kAnswer{.format = "ATA"};
+constexpr CommandDescription kHangUp{.format = "AT+CHUP"};
+constexpr CommandDescription kHold{.format = "AT+CHLD=%d"};
 
-constexpr CommandSpec kCallList{
+constexpr CommandDescription kCallList{
     .format = "AT+CLCC", .rspPrefix = "+CLCC", .parsePrefix = "+CLCC", .moduleId = module::kCall};
 constexpr int32_t kCallListMaxIndex = 20;  // inclusive: 21 entries
 constexpr uint32_t kMaxCallStat = 5;
@@ -35,7 +35,7 @@ constexpr auto kCallFields =
               Field<&AtsClccInfo::type>("type"));
 
 constexpr char kCallListExTag[] = "AtsClccEx";
-constexpr CommandSpec kCallListEx{
+constexpr CommandDescription kCallListEx{
     .format = "AT^CLCC?", .rspPrefix = "^CLCC:", .parsePrefix = "^CLCC", .moduleId = module::kCall};
 constexpr int32_t kCallListExLines = 7;
 constexpr uint32_t kCallExNumberSize = 41;  // 40 characters and the terminator

@@ -42,9 +42,9 @@ class CallReply {
         return Ok() ? 0 : -1;
     }
     char *Text() { return msg_.Report(); }
-    // The reply text parsed as spec's reply; *status gets the parser's code.
-    ParseRows Parse(const api::CommandSpec &spec, int32_t *status) {
-        return api::ParseReply(spec, Text(), status);
+    // The reply text parsed as description's reply; *status gets the parser's code.
+    ParseRows Parse(const api::CommandDescription &description, int32_t *status) {
+        return api::ParseReply(description, Text(), status);
     }
 
   private:
@@ -78,13 +78,13 @@ void StoreRow(const AtCmdParseNode *row, const api::Fields<Record, N> &fields, R
 // Logs the failed parse of a reply.
 void LogParseFailure();
 
-// The first row of an OK reply parsed as spec's reply into record; -1 (and
+// The first row of an OK reply parsed as description's reply into record; -1 (and
 // nothing stored) when the parse fails under policy.
 template <typename Record, size_t N>
-int32_t ReadFirstRow(CallReply &reply, const api::CommandSpec &spec,
+int32_t ReadFirstRow(CallReply &reply, const api::CommandDescription &description,
                      const api::Fields<Record, N> &fields, Record &record, RowPolicy policy) {
     int32_t status = 0;
-    const ParseRows rows = reply.Parse(spec, &status);
+    const ParseRows rows = reply.Parse(description, &status);
     const bool statusFails = policy != RowPolicy::kNeedsRowOnly && status != AT_PARSE_OK;
     const bool rowMissing = policy != RowPolicy::kMayBeEmpty && rows.Get() == nullptr;
     if (statusFails || rowMissing) {
@@ -104,11 +104,11 @@ int32_t SetOutcome(CallReply &reply, int32_t &errorId, Causes causes = Causes::k
 // reply is read into record first (a failed read gives -1 and leaves
 // errorId). A failed exchange gives -1.
 template <typename Record, size_t N>
-int32_t QueryOutcome(CallReply &reply, const api::CommandSpec &spec,
+int32_t QueryOutcome(CallReply &reply, const api::CommandDescription &description,
                      const api::Fields<Record, N> &fields, Record &record, int32_t &errorId,
                      RowPolicy policy, Causes causes = Causes::kCmeOrCms) {
     if (!reply.Ok()) return SetOutcome(reply, errorId, causes);
-    if (ReadFirstRow(reply, spec, fields, record, policy) != 0) return -1;
+    if (ReadFirstRow(reply, description, fields, record, policy) != 0) return -1;
     errorId = AT_ERRID_OK;
     return 0;
 }

@@ -19,46 +19,46 @@ constexpr char kTraceSrc[] = "atapi/src/m2m_ats_call";
 // The value that sends "=" alone.
 constexpr int32_t kNoValue = 16;
 
-constexpr CommandSpec kClipSet{.format = "AT+CLIP=%d"};
-constexpr CommandSpec kClipExSet{.format = "AT^CLIP=%d"};
-constexpr CommandSpec kClipExSetEmpty{.format = "AT^CLIP="};
+constexpr CommandDescription kClipSet{.format = "AT+CLIP=%d"};
+constexpr CommandDescription kClipExSet{.format = "AT^CLIP=%d"};
+constexpr CommandDescription kClipExSetEmpty{.format = "AT^CLIP="};
 constexpr char kClir[] = "+CLIR";
-constexpr CommandSpec kClirSet{.format = "AT%s=%d"};
-constexpr CommandSpec kClirSetEmpty{.format = "AT%s="};
+constexpr CommandDescription kClirSet{.format = "AT%s=%d"};
+constexpr CommandDescription kClirSetEmpty{.format = "AT%s="};
 constexpr char kClipFormatError[] = "AT+CLIP, snprintf_s error, ret:%d\n";
 constexpr char kClirFormatError[] = "AT+CLIR, snprintf_s error, ret:%d\n";
 constexpr char kClipExFormatError[] = "AtClipEx, snprintf_s ret:%d\n";
 
 // A presentation query (+CLIP, +CLIR, ^CLIP) and how its failures are told.
 struct PresentationQuery {
-    CommandSpec spec;
+    CommandDescription description;
     const char *retValError;    // takes the reply's class
     const char *abortMessage;   // null: an abort is told as another class
     const char *exchangeError;  // null: a failed exchange is not logged here
 };
 constexpr PresentationQuery kClipQuery{
-    .spec = {.format = "AT+CLIP?",
-             .rspPrefix = "+CLIP:",
-             .parsePrefix = "+CLIP",
-             .moduleId = module::kCall},
+    .description = {.format = "AT+CLIP?",
+                    .rspPrefix = "+CLIP:",
+                    .parsePrefix = "+CLIP",
+                    .moduleId = module::kCall},
     .retValError = "CLIP query retVal =%d error\n",
     .abortMessage = "at+clip? is aborted\n",
     .exchangeError = nullptr,
 };
 constexpr PresentationQuery kClirQuery{
-    .spec = {.format = "AT%s?",
-             .rspPrefix = "+CLIR:",
-             .parsePrefix = "+CLIR",
-             .moduleId = module::kCall},
+    .description = {.format = "AT%s?",
+                    .rspPrefix = "+CLIR:",
+                    .parsePrefix = "+CLIR",
+                    .moduleId = module::kCall},
     .retValError = "CLIR query retVal =%d error\n",
     .abortMessage = nullptr,
     .exchangeError = nullptr,
 };
 constexpr PresentationQuery kClipExQuery{
-    .spec = {.format = "AT^CLIP?",
-             .rspPrefix = "^CLIP:",
-             .parsePrefix = "^CLIP",
-             .moduleId = module::kCall},
+    .description = {.format = "AT^CLIP?",
+                    .rspPrefix = "^CLIP:",
+                    .parsePrefix = "^CLIP",
+                    .moduleId = module::kCall},
     .retValError = "^CLIP query retVal =%d error\n",
     .abortMessage = nullptr,
     .exchangeError = "AtClipQueryEx, GetDataFromAtServer falied ,ret = %d\n",
@@ -76,30 +76,30 @@ constexpr int32_t kCcwaNoValue = kNoValue;
 constexpr size_t kCcwaEntries = 8;
 constexpr char kCcwaFormatError[] = "AT^CCWA, snprintf_s error, ret:%d\n";
 
-constexpr CommandSpec kCcwaSet{.format = "AT+CCWA=1,%d,%d"};
-constexpr CommandSpec kCcwaClasses{
+constexpr CommandDescription kCcwaSet{.format = "AT+CCWA=1,%d,%d"};
+constexpr CommandDescription kCcwaClasses{
     .format = "AT+CCWA=1,2,", .parsePrefix = "+CCWA", .moduleId = module::kCall};
-constexpr CommandSpec kCcwaQuery{.format = "AT+CCWA?"};
-constexpr CommandSpec kCcwaPresent{.format = "AT+CCWA=%d"};
-constexpr CommandSpec kCcwaExSet{.format = "AT^CCWA=1,%d,%d"};
-constexpr CommandSpec kCcwaExClasses{
+constexpr CommandDescription kCcwaQuery{.format = "AT+CCWA?"};
+constexpr CommandDescription kCcwaPresent{.format = "AT+CCWA=%d"};
+constexpr CommandDescription kCcwaExSet{.format = "AT^CCWA=1,%d,%d"};
+constexpr CommandDescription kCcwaExClasses{
     .format = "AT^CCWA=1,2,", .parsePrefix = "^CCWA", .moduleId = module::kCall};
-constexpr CommandSpec kCcwaExQuery{.format = "AT^CCWA?",
-                                   .rspPrefix = "^CCWA:",
-                                   .parsePrefix = "^CCWA",
-                                   .moduleId = module::kCcwaReport};
-constexpr CommandSpec kCcwaExPresent{.format = "AT^CCWA=%d"};
-constexpr CommandSpec kCcwaExEmpty{.format = "AT^CCWA="};
+constexpr CommandDescription kCcwaExQuery{.format = "AT^CCWA?",
+                                          .rspPrefix = "^CCWA:",
+                                          .parsePrefix = "^CCWA",
+                                          .moduleId = module::kCcwaReport};
+constexpr CommandDescription kCcwaExPresent{.format = "AT^CCWA=%d"};
+constexpr CommandDescription kCcwaExEmpty{.format = "AT^CCWA="};
 constexpr auto kCcwaEntryFields =
     FieldList(Field<&AtsCcwaEntry::status>("status"), Field<&AtsCcwaEntry::classx>("class"));
 
 constexpr char kSetCcwaiTag[] = "AtsSetCcwai";
 constexpr char kGetCcwaiTag[] = "AtsGetCcwai";
-constexpr CommandSpec kCcwaiSet{.format = "AT^CCWAI=%d,%d"};
-constexpr CommandSpec kCcwaiQuery{.format = "AT^CCWAI?",
-                                  .rspPrefix = "^CCWAI:",
-                                  .parsePrefix = "^CCWAI",
-                                  .moduleId = module::kCall};
+constexpr CommandDescription kCcwaiSet{.format = "AT^CCWAI=%d,%d"};
+constexpr CommandDescription kCcwaiQuery{.format = "AT^CCWAI?",
+                                         .rspPrefix = "^CCWAI:",
+                                         .parsePrefix = "^CCWAI",
+                                         .moduleId = module::kCall};
 constexpr auto kCcwaiFields = FieldList(Field<&AtsCcwaiInfo::mode>("mode", 0, 1),
                                         Field<&AtsCcwaiInfo::ctrlModeRead>("ctrl_mode", 0, 1));
 
@@ -107,12 +107,12 @@ constexpr int32_t kCcfcQueryMode = 2;
 constexpr size_t kCcfcEntries = 10;
 constexpr size_t kMaxNumberChars = 40;
 constexpr char kCcfcFormatError[] = "AT^CCFC, snprintf_s error, ret:%d\n";
-constexpr CommandSpec kCcfcQuery{
+constexpr CommandDescription kCcfcQuery{
     .format = "AT+CCFC=%d,%d", .parsePrefix = "+CCFC", .moduleId = module::kCall};
-constexpr CommandSpec kCcfcSet{.format = "AT+CCFC=%d,%d,\"%s\",%d,%d,,,"};
-constexpr CommandSpec kCcfcSetTime{.format = "AT+CCFC=%d,%d,\"%s\",%d,%d,,,%d"};
+constexpr CommandDescription kCcfcSet{.format = "AT+CCFC=%d,%d,\"%s\",%d,%d,,,"};
+constexpr CommandDescription kCcfcSetTime{.format = "AT+CCFC=%d,%d,\"%s\",%d,%d,,,%d"};
 
-constexpr CommandSpec kCssn{.format = "AT+CSSN=%d,%d"};
+constexpr CommandDescription kCssn{.format = "AT+CSSN=%d,%d"};
 
 int32_t QueryPresentation(const PresentationQuery &q, const Command &cmd, AtClipClirInfo *info) {
     if (info == nullptr) return -1;
@@ -130,7 +130,7 @@ int32_t QueryPresentation(const PresentationQuery &q, const Command &cmd, AtClip
         return -1;
     }
     int32_t status = 0;
-    const ParseRows rows = reply.Parse(q.spec, &status);
+    const ParseRows rows = reply.Parse(q.description, &status);
     if (status != AT_PARSE_OK) {
         LogParseFailure();
         return -1;
@@ -144,11 +144,12 @@ int32_t QueryPresentation(const PresentationQuery &q, const Command &cmd, AtClip
 }
 
 // Operation 2: one status and class per reply row, at most 8.
-int32_t QueryWaitingClasses(const CommandSpec &spec, AtsCcwaInfo &info, const char *noRowError) {
-    CallReply reply(Command(spec), kCcwaFormatError);
+int32_t QueryWaitingClasses(const CommandDescription &description, AtsCcwaInfo &info,
+                            const char *noRowError) {
+    CallReply reply(Command(description), kCcwaFormatError);
     if (!reply.Ok()) return reply.Result();
     int32_t status = 0;
-    const ParseRows rows = reply.Parse(spec, &status);
+    const ParseRows rows = reply.Parse(description, &status);
     if (rows.Get() == nullptr && noRowError != nullptr) AT_LOG_ERR("%s", noRowError);
     size_t filled = 0;
     for (const AtCmdParseNode *row = rows.Get(); row != nullptr && filled < kCcwaEntries;
@@ -273,7 +274,7 @@ int32_t AtsClip(int32_t value) {
 }
 
 int32_t AtClipQuery(AtClipClirInfo *info) {
-    return QueryPresentation(kClipQuery, Command(kClipQuery.spec), info);
+    return QueryPresentation(kClipQuery, Command(kClipQuery.description), info);
 }
 
 int32_t AtClir(int32_t value) {
@@ -282,7 +283,7 @@ int32_t AtClir(int32_t value) {
 }
 
 int32_t AtClirQuery(AtClipClirInfo *info) {
-    return QueryPresentation(kClirQuery, Command(kClirQuery.spec, kClir), info);
+    return QueryPresentation(kClirQuery, Command(kClirQuery.description, kClir), info);
 }
 
 int32_t AtClipEx(int32_t value) {
@@ -293,7 +294,7 @@ int32_t AtClipEx(int32_t value) {
 }
 
 int32_t AtClipQueryEx(AtClipClirInfo *info) {
-    return QueryPresentation(kClipExQuery, Command(kClipExQuery.spec), info);
+    return QueryPresentation(kClipExQuery, Command(kClipExQuery.description), info);
 }
 
 int32_t AtsCcwa(AtsCcwaInfo *info) {

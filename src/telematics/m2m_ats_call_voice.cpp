@@ -15,8 +15,8 @@ constexpr char kTraceSrc[] = "atapi/src/m2m_ats_call";
 
 // A single value that is queried or set: S0 and the two mutes.
 struct ValueCommands {
-    CommandSpec query;  // without a parse prefix the whole reply is the value
-    CommandSpec set;
+    CommandDescription query;  // without a parse prefix the whole reply is the value
+    CommandDescription set;
     const char *nullMessage;
     const char *enterLog;  // value, cmdType
     const char *formatError;
@@ -49,32 +49,33 @@ struct MuteValue {
 };
 constexpr auto kMuteFields = FieldList(Field<&MuteValue::nValue>("n_value"));
 
-constexpr CommandSpec kNsQuery{.format = "AT^NSSWITCH?",
-                               .rspPrefix = "^NSSWITCH:",
-                               .parsePrefix = "^NSSWITCH",
-                               .moduleId = module::kCall};
-constexpr CommandSpec kNsSet{.format = "AT^NSSWITCH=%d", .rspPrefix = "^NSSWITCH:"};
-constexpr CommandSpec kEchoQuery{
+constexpr CommandDescription kNsQuery{.format = "AT^NSSWITCH?",
+                                      .rspPrefix = "^NSSWITCH:",
+                                      .parsePrefix = "^NSSWITCH",
+                                      .moduleId = module::kCall};
+constexpr CommandDescription kNsSet{.format = "AT^NSSWITCH=%d", .rspPrefix = "^NSSWITCH:"};
+constexpr CommandDescription kEchoQuery{
     .format = "AT^ECHOSWITCH?", .parsePrefix = "^ECHOSWITCH", .moduleId = module::kCall};
-constexpr CommandSpec kEchoSet{.format = "AT^ECHOSWITCH=%d"};
+constexpr CommandDescription kEchoSet{.format = "AT^ECHOSWITCH=%d"};
 constexpr auto kSwitchFields = FieldList(Field<&AtSwitchModeInfo::switchMode>("switch_mode"));
 
-constexpr CommandSpec kEchoExQuery{.format = "AT^ECHOEX?",
-                                   .rspPrefix = "^ECHOEX:",
-                                   .parsePrefix = "^ECHOEX",
-                                   .moduleId = module::kCall};
-constexpr CommandSpec kEchoExSet{.format = "AT^ECHOEX=%d,%d,%d,%d,%d", .rspPrefix = "^ECHOEX:"};
+constexpr CommandDescription kEchoExQuery{.format = "AT^ECHOEX?",
+                                          .rspPrefix = "^ECHOEX:",
+                                          .parsePrefix = "^ECHOEX",
+                                          .moduleId = module::kCall};
+constexpr CommandDescription kEchoExSet{.format = "AT^ECHOEX=%d,%d,%d,%d,%d",
+                                        .rspPrefix = "^ECHOEX:"};
 constexpr auto kEchoExFields = FieldList(
     Field<&AtEchoExParam::enable>("enable"), Field<&AtEchoExParam::time>("time"),
     Field<&AtEchoExParam::singleLen>("single_len"), Field<&AtEchoExParam::singleDec>("single_dec"),
     Field<&AtEchoExParam::doubleDec>("double_dec"));
 
-constexpr CommandSpec kDtmf{.format = "AT+VTS=%c,%d"};
-constexpr CommandSpec kDeltaSet{.format = "AT^DELTASET=\"%s\""};
+constexpr CommandDescription kDtmf{.format = "AT+VTS=%c,%d"};
+constexpr CommandDescription kDeltaSet{.format = "AT^DELTASET=\"%s\""};
 
-constexpr CommandSpec kCpcmQuery{
+constexpr CommandDescription kCpcmQuery{
     .format = "AT^CPCM?", .rspPrefix = "^CPCM:", .parsePrefix = "^CPCM", .moduleId = module::kCall};
-constexpr CommandSpec kCpcmSet{.format = "AT^CPCM=%d,%d,%d,%d,%d", .rspPrefix = "^CPCM:"};
+constexpr CommandDescription kCpcmSet{.format = "AT^CPCM=%d,%d,%d,%d,%d", .rspPrefix = "^CPCM:"};
 constexpr auto kCpcmFields =
     FieldList(Field<&AtCpcmParam::mode>("mode"), Field<&AtCpcmParam::format>("format"),
               Field<&AtCpcmParam::clock>("clock"), Field<&AtCpcmParam::frame>("frame"),

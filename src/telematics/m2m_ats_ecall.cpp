@@ -19,23 +19,23 @@ using atapi::ParseRows;
 
 constexpr char kTraceSrc[] = "atapi/src/m2m_ats_call";
 
-constexpr CommandSpec kModeQuery{.format = "AT^ECLMODE?",
-                                 .rspPrefix = "^ECLMODE:",
-                                 .parsePrefix = "^ECLMODE",
-                                 .moduleId = module::kCall};
-constexpr CommandSpec kModeSet{.format = "AT^ECLMODE=%d"};
+constexpr CommandDescription kModeQuery{.format = "AT^ECLMODE?",
+                                        .rspPrefix = "^ECLMODE:",
+                                        .parsePrefix = "^ECLMODE",
+                                        .moduleId = module::kCall};
+constexpr CommandDescription kModeSet{.format = "AT^ECLMODE=%d"};
 constexpr uint32_t kModeCount = 3;  // the module reports 0, 1 or 2
 
-constexpr CommandSpec kImsQuery{
+constexpr CommandDescription kImsQuery{
     .format = "AT^ECLIMSCFG?", .parsePrefix = "^ECLIMSCFG", .moduleId = module::kCall};
-constexpr CommandSpec kImsSet{.format = "AT^ECLIMSCFG=%d"};
-constexpr CommandSpec kImsSetContent{.format = "AT^ECLIMSCFG=%d,\"%s\""};
+constexpr CommandDescription kImsSet{.format = "AT^ECLIMSCFG=%d"};
+constexpr CommandDescription kImsSetContent{.format = "AT^ECLIMSCFG=%d,\"%s\""};
 constexpr int32_t kImsWithContent = 1;
 constexpr char kImsFormatError[] = "AT^ECLIMSCFG=, snprintf_s ret:%d";
 
 // A command of the call sequence and its log lines.
 struct EclCommand {
-    CommandSpec spec;
+    CommandDescription description;
     const char *enterLog;
     const char *finishLog;  // takes the result
     const char *formatError;
@@ -211,7 +211,7 @@ int32_t AtsEclMsd(AtsEclMsdInfo *msdInfo) {
         return -1;
     }
     AT_LOG_INFO("%s", kMsd.enterLog);
-    const Command cmd(kMsd.spec, msdInfo->msd);
+    const Command cmd(kMsd.description, msdInfo->msd);
     if (cmd) {
         AT_LOG_INFO("config_information == %s == %u\n", cmd.Line(),
                     static_cast<unsigned>(std::strlen(cmd.Line())));
@@ -222,7 +222,8 @@ int32_t AtsEclMsd(AtsEclMsdInfo *msdInfo) {
 int32_t AtsEclCfg(AtsEclCfgInfo *cfgInfo) {
     if (cfgInfo == nullptr) return -1;
     AT_LOG_INFO("%s", kCfg.enterLog);
-    return SendEcl(kCfg, Command(kCfg.spec, cfgInfo->param1, cfgInfo->param2, cfgInfo->param3),
+    return SendEcl(kCfg,
+                   Command(kCfg.description, cfgInfo->param1, cfgInfo->param2, cfgInfo->param3),
                    &cfgInfo->errorId);
 }
 
@@ -231,24 +232,24 @@ int32_t AtsEclStart(AtsEclStartInfo *startInfo) {
     AT_LOG_INFO("%s", kStart.enterLog);
     if (!TextFits(startInfo->number, kStart.formatError)) return -1;
     return SendEcl(kStart,
-                   Command(kStart.spec, startInfo->param1, startInfo->param2, startInfo->number,
-                           startInfo->param4),
+                   Command(kStart.description, startInfo->param1, startInfo->param2,
+                           startInfo->number, startInfo->param4),
                    &startInfo->errorId);
 }
 
 int32_t AtsEclPush(void) {
     AT_LOG_INFO("%s", kPush.enterLog);
-    return SendEcl(kPush, Command(kPush.spec), nullptr);
+    return SendEcl(kPush, Command(kPush.description), nullptr);
 }
 
 int32_t AtsEclStop(void) {
     AT_LOG_INFO("%s", kStop.enterLog);
-    return SendEcl(kStop, Command(kStop.spec), nullptr);
+    return SendEcl(kStop, Command(kStop.description), nullptr);
 }
 
 int32_t AtEcalllAbort(void) {
     AT_LOG_INFO("%s", kAbort.enterLog);
-    return SendEcl(kAbort, Command(kAbort.spec), nullptr);
+    return SendEcl(kAbort, Command(kAbort.description), nullptr);
 }
 
 }  // extern "C"

@@ -23,14 +23,14 @@ using atapi::network::ReplyOutcome;
 
 constexpr char kTraceSrc[] = "atapi/src/m2m_ats_network";
 
-constexpr CommandSpec kMonsc{.format = "AT^MONSC",
-                             .rspPrefix = "^MONSC:",
-                             .parsePrefix = "^MONSC",
-                             .moduleId = module::kNetwork};
-constexpr CommandSpec kMonnc{.format = "AT^MONNC",
-                             .rspPrefix = "^MONNC:",
-                             .parsePrefix = "^MONNC",
-                             .moduleId = module::kNetwork};
+constexpr CommandDescription kMonsc{.format = "AT^MONSC",
+                                    .rspPrefix = "^MONSC:",
+                                    .parsePrefix = "^MONSC",
+                                    .moduleId = module::kNetwork};
+constexpr CommandDescription kMonnc{.format = "AT^MONNC",
+                                    .rspPrefix = "^MONNC:",
+                                    .parsePrefix = "^MONNC",
+                                    .moduleId = module::kNetwork};
 
 constexpr char kNoService[] = "NONE";
 

@@ -21,24 +21,25 @@ constexpr char kTraceSrc[] = "atapi/src/m2m_ats_network";
 // The level of the log line for a row of an unknown technology.
 constexpr int kTraceWarning = 4;
 
-constexpr CommandSpec QuerySpec(const char *format, const char *rspPrefix,
-                                const char *parsePrefix) {
+constexpr CommandDescription QuerySpec(const char *format, const char *rspPrefix,
+                                       const char *parsePrefix) {
     return {.format = format,
             .rspPrefix = rspPrefix,
             .parsePrefix = parsePrefix,
             .moduleId = module::kNetwork};
 }
-constexpr CommandSpec kSwitchSet{.format = "AT^JDSWITCH=%d"};
-constexpr CommandSpec kSwitchQuery = QuerySpec("AT^JDSWITCH?", "^JDSWITCH:", "^JDSWITCH");
-constexpr CommandSpec kCfgQuery = QuerySpec("AT^JDCFG?", "^JDCFG:", "^JDCFG");
-constexpr CommandSpec kRptSet{.format = "AT^EMRSSIRPT=%d"};
-constexpr CommandSpec kRptQuery = QuerySpec("AT^EMRSSIRPT?", "^EMRSSIRPT:", "^EMRSSIRPT");
-constexpr CommandSpec kRssiCfgSet{.format = "AT^EMRSSICFG=%d,%d"};
-constexpr CommandSpec kRssiCfgQuery = QuerySpec("AT^EMRSSICFG?", "^EMRSSICFG:", "^EMRSSICFG");
+constexpr CommandDescription kSwitchSet{.format = "AT^JDSWITCH=%d"};
+constexpr CommandDescription kSwitchQuery = QuerySpec("AT^JDSWITCH?", "^JDSWITCH:", "^JDSWITCH");
+constexpr CommandDescription kCfgQuery = QuerySpec("AT^JDCFG?", "^JDCFG:", "^JDCFG");
+constexpr CommandDescription kRptSet{.format = "AT^EMRSSIRPT=%d"};
+constexpr CommandDescription kRptQuery = QuerySpec("AT^EMRSSIRPT?", "^EMRSSIRPT:", "^EMRSSIRPT");
+constexpr CommandDescription kRssiCfgSet{.format = "AT^EMRSSICFG=%d,%d"};
+constexpr CommandDescription kRssiCfgQuery =
+    QuerySpec("AT^EMRSSICFG?", "^EMRSSICFG:", "^EMRSSICFG");
 
 // The threshold line of each technology: GSM takes two values.
 struct CfgLine {
-    CommandSpec spec;
+    CommandDescription description;
     const char *formatError;
 };
 constexpr std::array<CfgLine, AT_JAMMING_RAT_COUNT> kCfgLines{{
@@ -89,11 +90,11 @@ struct RowReader {
 };
 
 template <typename Entry, size_t N>
-int32_t ReadByRat(CallReply &reply, const CommandSpec &spec,
+int32_t ReadByRat(CallReply &reply, const CommandDescription &description,
                   const std::array<EntryField<Entry>, N> &fields, const RowReader &reader,
                   Entry (&out)[AT_JAMMING_RAT_COUNT]) {
     int32_t status = 0;
-    const ParseRows rows = reply.Parse(spec, &status);
+    const ParseRows rows = reply.Parse(description, &status);
     if (rows.Get() == nullptr) {
         AT_LOG_ERR("%s, ParseAtCmdFunc failed result is NULL\n", reader.parseName);
         return -1;
@@ -119,12 +120,12 @@ int32_t ReadByRat(CallReply &reply, const CommandSpec &spec,
 
 // A get function's exchange and row walk, with its out log.
 template <typename Entry, size_t N>
-int32_t Get(const char *name, const CommandSpec &spec, const char *retValFormat,
+int32_t Get(const char *name, const CommandDescription &description, const char *retValFormat,
             const std::array<EntryField<Entry>, N> &fields, const RowReader &reader,
             Entry (&out)[AT_JAMMING_RAT_COUNT]) {
-    CallReply reply(Command(spec), "snprintf_s fail, ret:%d\n");
+    CallReply reply(Command(description), "snprintf_s fail, ret:%d\n");
     int32_t ret = ReplyOutcome(reply, name, retValFormat);
-    if (ret == 0) ret = ReadByRat(reply, spec, fields, reader, out);
+    if (ret == 0) ret = ReadByRat(reply, description, fields, reader, out);
     AT_LOG_INFO("%s out,ret = %d\n", name, ret);
     return ret;
 }
@@ -164,8 +165,9 @@ int32_t AtSetJammingDetectCfg(const JammingDetectCfg *cfg) {
     const CfgLine &line = kCfgLines[static_cast<size_t>(cfg->rat)];
     AT_LOG_DETAIL("AtSetJammingDetectCfg, rat = %d\n", cfg->rat);
     // GSM's format takes the first three arguments only.
-    return Set(Command(line.spec, cfg->rat, cfg->value1, cfg->value2, cfg->value3, cfg->value4),
-               "AtSetJammingDetectCfg", line.formatError);
+    return Set(
+        Command(line.description, cfg->rat, cfg->value1, cfg->value2, cfg->value3, cfg->value4),
+        "AtSetJammingDetectCfg", line.formatError);
 }
 
 int32_t AtGetJammingDetectCfg(JammingDetectCfgInfo *info) {

@@ -16,11 +16,11 @@ using atapi::call::CallReply;
 
 constexpr char kTraceSrc[] = "atapi/src/m2m_ats_sms";
 
-constexpr CommandSpec kCtrlSet{.format = "AT^TNUMCTL=%d,%d,0"};
-constexpr CommandSpec kCtrlQuery{
+constexpr CommandDescription kCtrlSet{.format = "AT^TNUMCTL=%d,%d,0"};
+constexpr CommandDescription kCtrlQuery{
     .format = "AT^TNUMCTL?", .parsePrefix = "^TNUMCTL", .moduleId = module::kSysCfg};
 constexpr char kCtrlFormatError[] = "TNUMCTL snprintf_s ret:%d\n";
-constexpr CommandSpec kList{
+constexpr CommandDescription kList{
     .format = "AT^TRUSTNUM?", .parsePrefix = "^TRUSTNUM", .moduleId = module::kSysCfg};
 constexpr size_t kPhonenumSize = sizeof(TrustNumEntry::phonenum);
 

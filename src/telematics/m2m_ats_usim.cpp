@@ -23,16 +23,16 @@ constexpr char kTraceSrc[] = "atapi/src/m2m_ats_usim";
 constexpr uint32_t kQueryTimeoutSec = 5;
 constexpr int32_t kCrsmTimeoutSec = 30;
 
-constexpr CommandSpec kSimSq{.format = "AT^SIMSQ?",
-                             .rspPrefix = "^SIMSQ:",
-                             .parsePrefix = "^SIMSQ",
-                             .moduleId = module::kSysCfg,
-                             .timeoutSec = kQueryTimeoutSec};
-constexpr CommandSpec kEuiccId{.format = "AT^ESIMEID?",
-                               .parsePrefix = "^ESIMEID",
-                               .moduleId = module::kSysCfg,
-                               .timeoutSec = kQueryTimeoutSec};
-constexpr CommandSpec kCrsmReply{
+constexpr CommandDescription kSimSq{.format = "AT^SIMSQ?",
+                                    .rspPrefix = "^SIMSQ:",
+                                    .parsePrefix = "^SIMSQ",
+                                    .moduleId = module::kSysCfg,
+                                    .timeoutSec = kQueryTimeoutSec};
+constexpr CommandDescription kEuiccId{.format = "AT^ESIMEID?",
+                                      .parsePrefix = "^ESIMEID",
+                                      .moduleId = module::kSysCfg,
+                                      .timeoutSec = kQueryTimeoutSec};
+constexpr CommandDescription kCrsmReply{
     .format = nullptr, .parsePrefix = "+CRSM", .moduleId = module::kSysCfg};
 
 struct QueryLogs {
@@ -45,8 +45,8 @@ constexpr QueryLogs kEuiccIdLogs{"AtEuiccIdQuery snprintf_s, ret%d\n", "eid quer
 // Sends one of the two queries and hands the first row of its OK reply to
 // read(row); -1 when no row came, or the failed exchange's own result.
 template <typename Read>
-int32_t RunQuery(const CommandSpec &spec, const QueryLogs &logs, Read read) {
-    const Command cmd(spec);
+int32_t RunQuery(const CommandDescription &description, const QueryLogs &logs, Read read) {
+    const Command cmd(description);
     CallReply reply(cmd, logs.formatError);
     if (reply.Status() != 0) {
         if (cmd)
@@ -63,7 +63,7 @@ int32_t RunQuery(const CommandSpec &spec, const QueryLogs &logs, Read read) {
         return -1;
     }
     int32_t status = 0;
-    const ParseRows rows = reply.Parse(spec, &status);
+    const ParseRows rows = reply.Parse(description, &status);
     if (rows.Get() == nullptr) {
         AT_LOG_ERR("SIMSQ parse result is Null\n");
         return -1;

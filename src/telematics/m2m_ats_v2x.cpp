@@ -23,27 +23,27 @@ constexpr int32_t kSet = 1;
 constexpr uint32_t kModeLimit = 2;
 constexpr int32_t kSingleReplySize = 1532;
 
-constexpr CommandSpec kModeQuery{
+constexpr CommandDescription kModeQuery{
     .format = "AT^VMODE?", .parsePrefix = "^VMODE", .moduleId = kV2xModule};
-constexpr CommandSpec kModeSet{.format = "AT^VMODE=%d,%d"};
-constexpr CommandSpec kCbr{
+constexpr CommandDescription kModeSet{.format = "AT^VMODE=%d,%d"};
+constexpr CommandDescription kCbr{
     .format = "AT^CBR?", .rspPrefix = "^CBR:", .parsePrefix = "^CBR", .moduleId = kV2xModule};
-constexpr CommandSpec kSync{.format = "AT^VSYNCSRC?",
-                            .rspPrefix = "^VSYNCSRC:",
-                            .parsePrefix = "^VSYNCSRC",
-                            .moduleId = kV2xModule};
-constexpr CommandSpec kPdcp{
+constexpr CommandDescription kSync{.format = "AT^VSYNCSRC?",
+                                   .rspPrefix = "^VSYNCSRC:",
+                                   .parsePrefix = "^VSYNCSRC",
+                                   .moduleId = kV2xModule};
+constexpr CommandDescription kPdcp{
     .format = "AT^PTRRPT?", .parsePrefix = "^PTRRPT", .moduleId = kV2xModule};
-constexpr CommandSpec kPhy{
+constexpr CommandDescription kPhy{
     .format = "AT^VPHYSTAT?", .parsePrefix = "^VPHYSTAT", .moduleId = kV2xModule};
-constexpr CommandSpec kRsrp{
+constexpr CommandDescription kRsrp{
     .format = "AT^VSNRRSRP?", .parsePrefix = "^VSNRRSRP", .moduleId = kV2xModule};
-constexpr CommandSpec kRssi{
+constexpr CommandDescription kRssi{
     .format = "AT^V2XRSSI?", .parsePrefix = "^V2XRSSI", .moduleId = kV2xModule};
-constexpr CommandSpec kAntSwitchSet{.format = "AT^VTXANTSWITCH=%d"};
-constexpr CommandSpec kAntSwitchQuery{
+constexpr CommandDescription kAntSwitchSet{.format = "AT^VTXANTSWITCH=%d"};
+constexpr CommandDescription kAntSwitchQuery{
     .format = "AT^VTXANTSWITCH?", .parsePrefix = "^VTXANTSWITCH", .moduleId = kV2xModule};
-constexpr CommandSpec kTxPwrRptCfg{.format = "AT^TXPWRRPTCFG=%d,%d,%d,%u"};
+constexpr CommandDescription kTxPwrRptCfg{.format = "AT^TXPWRRPTCFG=%d,%d,%d,%u"};
 
 // Logs the call's entry and exit around body.
 template <typename Body>
@@ -86,14 +86,15 @@ int32_t SendForOk(const Command &cmd) {
     return ExchangeForOk(cmd, msg);
 }
 
-// The common read: spec's line exchanged, its OK reply parsed under spec and
+// The common read: description's line exchanged, its OK reply parsed under description and
 // the first row handed to read.
 template <typename Read>
-int32_t ReadRows(const CommandSpec &spec, Read read, RetValLog retValLog = RetValLog::kExecution) {
+int32_t ReadRows(const CommandDescription &description, Read read,
+                 RetValLog retValLog = RetValLog::kExecution) {
     OwnedSrvMsg msg;
-    if (ExchangeForOk(Command(spec), msg, retValLog) != 0) return -1;
+    if (ExchangeForOk(Command(description), msg, retValLog) != 0) return -1;
     int32_t status = 0;
-    const ParseRows rows = ParseReply(spec, msg.Report(), &status);
+    const ParseRows rows = ParseReply(description, msg.Report(), &status);
     if (status != AT_PARSE_OK || rows.Get() == nullptr) {
         AT_LOG_ERR("ParseAtCmdFunc failed, ret = %d", status);
         return -1;
@@ -101,16 +102,16 @@ int32_t ReadRows(const CommandSpec &spec, Read read, RetValLog retValLog = RetVa
     return read(rows.Get());
 }
 
-// The single-string reads: the whole reply text, parsed under spec, to read.
+// The single-string reads: the whole reply text, parsed under description, to read.
 template <typename Read>
-int32_t ReadText(const char *tag, const CommandSpec &spec, Read read) {
+int32_t ReadText(const char *tag, const CommandDescription &description, Read read) {
     char text[kSingleReplySize] = {};
-    if (Command(spec).QueryText(text, nullptr) != 0) {
+    if (Command(description).QueryText(text, nullptr) != 0) {
         AT_LOG_ERR("[%s] AtSendAndGetSingleStrRsp failed", tag);
         return -1;
     }
     int32_t status = 0;
-    const ParseRows rows = ParseReply(spec, text, &status);
+    const ParseRows rows = ParseReply(description, text, &status);
     if (status != AT_PARSE_OK || rows.Get() == nullptr) {
         AT_LOG_ERR("[%s] ParseAtCmdFunc failed, ret = %d", tag, status);
         return -1;

@@ -18,18 +18,18 @@ using atapi::call::CallReply;
 
 constexpr char kTraceSrc[] = "atapi/src/m2m_ats_voice_call";
 
-constexpr CommandSpec kPcmfrQuery{.format = "AT^PCMFR?",
-                                  .rspPrefix = "^PCMFR:",
-                                  .parsePrefix = "^PCMFR",
-                                  .moduleId = module::kCall};
-constexpr CommandSpec kPcmfrSet{.format = "AT^PCMFR=\"%s\"", .rspPrefix = "^PCMFR:"};
+constexpr CommandDescription kPcmfrQuery{.format = "AT^PCMFR?",
+                                         .rspPrefix = "^PCMFR:",
+                                         .parsePrefix = "^PCMFR",
+                                         .moduleId = module::kCall};
+constexpr CommandDescription kPcmfrSet{.format = "AT^PCMFR=\"%s\"", .rspPrefix = "^PCMFR:"};
 constexpr char kPcmfrFormatError[] = "AT^PCMFR, snprintf_s ret:%d\n";
 
-constexpr CommandSpec kCmicQuery{
+constexpr CommandDescription kCmicQuery{
     .format = "AT+CMIC?", .parsePrefix = "+CMIC", .moduleId = module::kCall};
-constexpr CommandSpec kCmicSet{.format = "AT+CMIC=%d"};
+constexpr CommandDescription kCmicSet{.format = "AT+CMIC=%d"};
 
-constexpr CommandSpec kVmSet{.format = "AT^VMSET=%d"};
+constexpr CommandDescription kVmSet{.format = "AT^VMSET=%d"};
 
 // The pcm_frq fields of an OK query reply into info.
 int32_t ReadPcmFrq(CallReply &reply, PcmFrqInfo &info) {

@@ -26,9 +26,9 @@ bool AllZero(const T &storage) {
 
 TEST(CommandFrame, LinesAreBoundedNotCut) {
     const std::string longest(AT_CMD_STR_LEN - 1 - 3, '1');
-    constexpr CommandSpec kSpec{.format = "AT+%s"};
-    EXPECT_TRUE(Command(kSpec, longest.c_str()));
-    const Command tooLong(kSpec, (longest + "1").c_str());
+    constexpr CommandDescription kDescription{.format = "AT+%s"};
+    EXPECT_TRUE(Command(kDescription, longest.c_str()));
+    const Command tooLong(kDescription, (longest + "1").c_str());
     EXPECT_FALSE(tooLong);
     EXPECT_STREQ(tooLong.Line(), "") << "nothing of a cut line is kept";
 
@@ -41,8 +41,8 @@ TEST(CommandFrame, LinesAreBoundedNotCut) {
 // What held a secret is zero once it goes out of scope, on the success and
 // on the failure path; a plain line is left alone.
 TEST(CommandFrame, SecretsAreWipedOnTheWayOut) {
-    constexpr CommandSpec kSecret{.format = "AT+CPIN=\"%s\"", .secrecy = Secrecy::kSecret};
-    constexpr CommandSpec kPlain{.format = "AT+CPIN=\"%s\""};
+    constexpr CommandDescription kSecret{.format = "AT+CPIN=\"%s\"", .secrecy = Secrecy::kSecret};
+    constexpr CommandDescription kPlain{.format = "AT+CPIN=\"%s\""};
     alignas(Command) unsigned char storage[sizeof(Command)];
     for (const std::string &pin : {std::string("1234"), std::string(AT_CMD_STR_LEN, '9')}) {
         auto *cmd = new (storage) Command(kSecret, pin.c_str());
@@ -74,7 +74,7 @@ TEST(CommandFrame, RowsAreTypedFromTheRecord) {
         uint32_t puk2;
         signed char pin2;
     };
-    constexpr CommandSpec kSpec{
+    constexpr CommandDescription kDescription{
         .format = "AT^CPIN?", .parsePrefix = "^CPIN", .moduleId = module::kPin};
     constexpr auto kFields =
         FieldList(Field<&Counters::code>("code"), Field<&Counters::times>("times"),
@@ -84,7 +84,7 @@ TEST(CommandFrame, RowsAreTypedFromTheRecord) {
     static_assert(kFields[2].kind == AT_TYPE_UCHAR && kFields[3].kind == AT_TYPE_LLONG);
     Counters c = Filled<Counters>(0x11);
     char reply[] = "^CPIN: READY,3,300,9999999999,7,-1";
-    ASSERT_EQ(ParseFields(kSpec, reply, kFields, c), 0);
+    ASSERT_EQ(ParseFields(kDescription, reply, kFields, c), 0);
     EXPECT_STREQ(c.code, "REA");
     EXPECT_EQ(c.times, 3);
     EXPECT_EQ(c.puk, 0x11) << "300 is out of 0..255: left as it was";

@@ -1,6 +1,6 @@
 // A command as data: its line format, where its reply goes and how it is
 // parsed. Every command function declares its commands as constexpr
-// CommandSpec values beside its field lists.
+// CommandDescription values beside its field lists.
 #pragma once
 
 #include <cstdint>
@@ -35,7 +35,7 @@ inline constexpr int32_t kNdisEx = 34;
 // lines are wiped after use and sent through the secure primitive.
 enum class Secrecy : uint8_t { kPlain, kSecret };
 
-struct CommandSpec {
+struct CommandDescription {
     const char *format;               // printf format of the whole command line
     const char *rspPrefix = nullptr;  // sent as atName; null sends none
     const char *parsePrefix = nullptr;

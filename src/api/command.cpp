@@ -4,6 +4,7 @@
 #include <climits>
 
 #include "atapi/at_link.h"
+#include "platform/trace.h"
 
 namespace atapi::api {
 
@@ -15,6 +16,16 @@ int32_t Command::Send(int32_t *errorId) const {
     }
     return AtSendSimpleCmdSpecialTimeout(line_.Text(), description_.rspPrefix, errorId,
                                          description_.timeoutSec);
+}
+
+int32_t SendOrLog(const char *traceSrc, const char *formatFailed, const Command &cmd,
+                  int32_t *errorId) {
+    if (!cmd) {
+        UMO_TRACE_PrintInfo(traceSrc, __LINE__, 0, "atserver", TRACE_LEVEL_ERROR, "%s",
+                            formatFailed);
+        return -1;
+    }
+    return cmd.Send(errorId);
 }
 
 int32_t Command::QueryText(char *out, int32_t outSize, int32_t *errorId) const {

@@ -104,6 +104,11 @@ class Command {
     bool formatted_ = false;
 };
 
+// As cmd.Send, and a line that was not built is logged at error level as
+// formatFailed under the caller's trace source before -1 is returned.
+int32_t SendOrLog(const char *traceSrc, const char *formatFailed, const Command &cmd,
+                  int32_t *errorId);
+
 // The first row of text parsed as description's reply into record.
 template <typename Record, size_t N>
 int32_t ParseFields(const CommandDescription &description, char *text,

@@ -11,9 +11,8 @@ namespace atapi::comm {
 // The accepted range of the fields read as non-negative 32-bit numbers.
 inline constexpr int64_t kNonNegative = 2147483647;
 
-// Sends a line without reply data through the simple primitive (the secure
-// one for a secret); -1 with "snprintf_s error" when the line was not built.
-int32_t SendSet(const api::Command &cmd, int32_t *errorId);
+// What the settings log when a line was not built.
+inline constexpr char kFormatError[] = "snprintf_s error";
 
 // Forgets the published versions so that the next AtVersion asks the
 // module. For tests only: no AtVersion may run at the same time.

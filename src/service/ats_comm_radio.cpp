@@ -10,8 +10,8 @@
 namespace {
 
 using namespace atapi::api;
+using atapi::comm::kFormatError;
 using atapi::comm::kNonNegative;
-using atapi::comm::SendSet;
 
 constexpr char kTraceSrc[] = "atapi/src/ats_comm";
 
@@ -115,7 +115,8 @@ int32_t AsInt(uint32_t value) { return static_cast<int32_t>(value); }
 int32_t QueryOrSet(uint32_t cmdType, const SettingCommands &c, SettingInfo *s) {
     if (s == nullptr) return -1;
     if (cmdType == AT_COMM_QUERY) return Command(c.query).Query(c.fields, *s, &s->errorId);
-    if (cmdType == AT_COMM_SET) return SendSet(Command(c.set, AsInt(s->value)), &s->errorId);
+    if (cmdType == AT_COMM_SET)
+        return SendOrLog(kTraceSrc, kFormatError, Command(c.set, AsInt(s->value)), &s->errorId);
     return -1;
 }
 
@@ -126,7 +127,7 @@ extern "C" {
 int32_t AtCfunEx(SettingInfo *s) {
     if (s == nullptr) return -1;
     AT_LOG_INFO("function %s() send Cfun(%d)", __func__, AsInt(s->value));
-    return SendSet(Command(kCfunSet, AsInt(s->value)), &s->errorId);
+    return SendOrLog(kTraceSrc, kFormatError, Command(kCfunSet, AsInt(s->value)), &s->errorId);
 }
 
 int32_t AtCfunQuery(uint32_t *fun) {
@@ -166,7 +167,8 @@ int32_t AtAntMode(uint32_t cmdType, AntModeInfo *m) {
     if (cmdType == AT_COMM_QUERY)
         return Command(kAntModeQuery).Query(kAntModeFields, *m, &m->errorId);
     if (cmdType == AT_COMM_SET) {
-        return SendSet(Command(kAntModeSet, AsInt(m->nwMode), AsInt(m->antMode)), &m->errorId);
+        return SendOrLog(kTraceSrc, kFormatError,
+                         Command(kAntModeSet, AsInt(m->nwMode), AsInt(m->antMode)), &m->errorId);
     }
     return -1;
 }
@@ -177,9 +179,10 @@ int32_t AtSingleAntMode(uint32_t cmdType, SingleAntModeInfo *m) {
         return Command(kAntModeQuery).Query(kSingleAntModeFields, *m, &m->errorId);
     }
     if (cmdType == AT_COMM_SET) {
-        return SendSet(Command(kSingleAntModeSet, AsInt(m->ulAntEnable), AsInt(m->ulAntIndex),
-                               AsInt(m->dlAntEnable), AsInt(m->dlAntIndex)),
-                       &m->errorId);
+        return SendOrLog(kTraceSrc, kFormatError,
+                         Command(kSingleAntModeSet, AsInt(m->ulAntEnable), AsInt(m->ulAntIndex),
+                                 AsInt(m->dlAntEnable), AsInt(m->dlAntIndex)),
+                         &m->errorId);
     }
     return -1;
 }
@@ -202,7 +205,8 @@ int32_t AtHs(HsInfo *h) {
 int32_t AtBackupAntCtrl(BackupAntCtrlInfo *b) {
     if (b == nullptr) return -1;
     const uint32_t *v = b->values;
-    return SendSet(Command(kBackupAntCtrl, v[0], v[1], v[2], v[3], v[4]), &b->errorId);
+    return SendOrLog(kTraceSrc, kFormatError, Command(kBackupAntCtrl, v[0], v[1], v[2], v[3], v[4]),
+                     &b->errorId);
 }
 
 int32_t AtRrcVer(uint32_t cmdType, SettingInfo *s) {
@@ -220,7 +224,8 @@ int32_t AtSetMode(uint32_t cmdType, SettingInfo *s) {
 int32_t AtShlock(uint32_t cmdType, const char *code, SettingInfo *s) {
     if (cmdType != AT_COMM_SET || code == nullptr) return QueryOrSet(cmdType, kShlock, s);
     if (s == nullptr) return -1;
-    return SendSet(Command(kShlockWithCode, AsInt(s->value), code), &s->errorId);
+    return SendOrLog(kTraceSrc, kFormatError, Command(kShlockWithCode, AsInt(s->value), code),
+                     &s->errorId);
 }
 
 int32_t AtOpenChannel(uint32_t cmdType, SettingInfo *s) {

@@ -12,7 +12,7 @@
 namespace {
 
 using namespace atapi::api;
-using atapi::comm::SendSet;
+using atapi::comm::kFormatError;
 
 constexpr char kTraceSrc[] = "atapi/src/ats_comm";
 
@@ -61,18 +61,6 @@ int32_t QueryBounded(const BoundedValue &b, uint32_t *out) {
 
 }  // namespace
 
-namespace atapi::comm {
-
-int32_t SendSet(const Command &cmd, int32_t *errorId) {
-    if (!cmd) {
-        AT_LOG_ERR("snprintf_s error");
-        return -1;
-    }
-    return cmd.Send(errorId);
-}
-
-}  // namespace atapi::comm
-
 extern "C" {
 
 int32_t AtQryDatalock(void) {
@@ -83,7 +71,7 @@ int32_t AtQryDatalock(void) {
 
 int32_t AtSetDatalock(const char *code) {
     if (code == nullptr) return -1;
-    return SendSet(Command(kDatalockSet, code), nullptr);
+    return SendOrLog(kTraceSrc, kFormatError, Command(kDatalockSet, code), nullptr);
 }
 
 int32_t AtQryRsim(void) {
@@ -93,7 +81,7 @@ int32_t AtQryRsim(void) {
     return std::strlen(answer) >= 2 && answer[1] == '1' ? 0 : -1;
 }
 
-int32_t AtMmiEcho(void) { return SendSet(Command(kMmiEcho), nullptr); }
+int32_t AtMmiEcho(void) { return SendOrLog(kTraceSrc, kFormatError, Command(kMmiEcho), nullptr); }
 
 int32_t AtQryProductType(uint32_t *t) { return QueryBounded(kProductType, t); }
 
@@ -110,14 +98,16 @@ int32_t AtSetLogPort(LogPortSetting *s) {
         AT_LOG_ERR("logPortInfo invalid. portType = %d, config = %d", portType, config);
         return -1;
     }
-    return SendSet(Command(kLogPortSet, portType, config), nullptr);
+    return SendOrLog(kTraceSrc, kFormatError, Command(kLogPortSet, portType, config), nullptr);
 }
 
-int32_t AtActiveNcfg(void) { return SendSet(Command(kActiveNcfg), nullptr); }
+int32_t AtActiveNcfg(void) {
+    return SendOrLog(kTraceSrc, kFormatError, Command(kActiveNcfg), nullptr);
+}
 
 int32_t AtSharePdpNvWr(const uint32_t *v) {
     if (v == nullptr) return -1;
-    return SendSet(Command(kSharePdpNvWr, *v), nullptr);
+    return SendOrLog(kTraceSrc, kFormatError, Command(kSharePdpNvWr, *v), nullptr);
 }
 
 }  // extern "C"

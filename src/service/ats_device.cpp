@@ -19,7 +19,7 @@
 namespace {
 
 using namespace atapi::api;
-using atapi::comm::SendSet;
+using atapi::comm::kFormatError;
 
 constexpr char kTraceSrc[] = "atapi/src/ats_device";
 
@@ -110,7 +110,7 @@ int32_t Handle(uint32_t op, Record *r, const Setting<Record, N> &s, MakeSet set,
         return -1;
     }
     if (op == AT_DEVICE_QUERY) return Command(s.query).Query(s.fields, *r, &r->errorId);
-    if (op == AT_DEVICE_SET) return SendSet(set(*r), &r->errorId);
+    if (op == AT_DEVICE_SET) return SendOrLog(kTraceSrc, kFormatError, set(*r), &r->errorId);
     if (op == AT_DEVICE_TEST && s.test.format != nullptr) {
         return Command(s.test).Query(s.fields, *r, &r->errorId);
     }
@@ -156,7 +156,8 @@ int32_t AtSkuHandle(uint32_t op, const uint32_t *in, SkuInfo *out) {
             AT_LOG_ERR("SKU command overflow");
             return -1;
         }
-        return SendSet(Command(kSkuSet, AsInt(*in)), nullptr) == 0 ? 0 : -1;
+        return SendOrLog(kTraceSrc, kFormatError, Command(kSkuSet, AsInt(*in)), nullptr) == 0 ? 0
+                                                                                              : -1;
     }
     if (op == AT_DEVICE_QUERY && out != nullptr) {
         return Command(kSkuQuery).Query(kSkuFields, *out, &out->errorId);

@@ -173,7 +173,8 @@ void HfreqInfoExFree(HfreqInfoResult *r) {
 }
 
 int32_t AtHfreqInfo(uint32_t op, int32_t value, HfreqInfoResult *r) {
-    if (op == AT_DEVICE_SET) return atapi::comm::SendSet(Command(kHfreqSet, value), nullptr);
+    if (op == AT_DEVICE_SET)
+        return SendOrLog(kTraceSrc, atapi::comm::kFormatError, Command(kHfreqSet, value), nullptr);
     if (r == nullptr) {
         AT_LOG_ERR("para is error");
         return -1;

@@ -13,6 +13,7 @@ namespace {
 using namespace atapi::api;
 
 constexpr char kTraceSrc[] = "atapi/src/ats_ndis";
+constexpr char kFormatFailed[] = "snprintf_s failed";
 
 // Lines that carry a password wait 30 s, as every secret line does.
 constexpr uint32_t kSecretTimeoutSec = 30;
@@ -115,36 +116,30 @@ int32_t ReadByCid(const CommandDescription &query, const Fields<Record, N> &fiel
     return -1;
 }
 
-// Sends a line that carries a secret; -1 without sending when it did not
-// fit. The line is wiped whichever way this returns.
-int32_t SendSecret(const Command &cmd, int32_t *errorId) {
-    if (!cmd) {
-        AT_LOG_ERR("snprintf_s failed");
-        return -1;
-    }
-    return cmd.Send(errorId);
-}
-
 int32_t DialUp(int32_t cid, int32_t connect, NdisDupProfile &p) {
     const bool apn = p.apnIsStatic == 1;
     const bool ip = p.ipIsStatic == 1;
     if (apn && ip) {
-        return SendSecret(
+        return SendOrLog(
+            kTraceSrc, kFormatFailed,
             Command(kNdisDupApnIp, cid, connect, p.apn, p.username, p.passwd, p.authType, p.ipAddr),
             &p.errorId);
     }
     if (apn) {
-        return SendSecret(
+        return SendOrLog(
+            kTraceSrc, kFormatFailed,
             Command(kNdisDupApn, cid, connect, p.apn, p.username, p.passwd, p.authType),
             &p.errorId);
     }
     if (ip) {
-        return SendSecret(
+        return SendOrLog(
+            kTraceSrc, kFormatFailed,
             Command(kNdisDupIp, cid, connect, p.username, p.passwd, p.authType, p.ipAddr),
             &p.errorId);
     }
-    return SendSecret(Command(kNdisDupNoApn, cid, connect, p.username, p.passwd, p.authType),
-                      &p.errorId);
+    return SendOrLog(kTraceSrc, kFormatFailed,
+                     Command(kNdisDupNoApn, cid, connect, p.username, p.passwd, p.authType),
+                     &p.errorId);
 }
 
 }  // namespace
@@ -154,7 +149,7 @@ extern "C" {
 int32_t AtNdisDup(int32_t cid, int32_t connect, NdisDupProfile *p) {
     if (p == nullptr) {
         AT_LOG_INFO("profile is NULL");
-        return SendSecret(Command(kNdisDupBare, cid, connect), nullptr);
+        return SendOrLog(kTraceSrc, kFormatFailed, Command(kNdisDupBare, cid, connect), nullptr);
     }
     AT_LOG_INFO("apnIsStatic:[%u], ipIsStatic:[%u]", p->apnIsStatic, p->ipIsStatic);
     return DialUp(cid, connect, *p);
@@ -206,9 +201,10 @@ int32_t AtAuthDataHandler(AuthDataInfo *a) {
         AT_LOG_ERR("authData is NULL");
         return -1;
     }
-    return SendSecret(Command(kAuthDataSet, static_cast<int32_t>(a->cid),
-                              static_cast<int32_t>(a->authType), a->plmn, a->passwd, a->username),
-                      &a->errorId);
+    return SendOrLog(kTraceSrc, kFormatFailed,
+                     Command(kAuthDataSet, static_cast<int32_t>(a->cid),
+                             static_cast<int32_t>(a->authType), a->plmn, a->passwd, a->username),
+                     &a->errorId);
 }
 
 int32_t AtGetAuthData(AuthDataInfo *a) {

@@ -13,6 +13,7 @@ namespace {
 using namespace atapi::api;
 
 constexpr char kTraceSrc[] = "atapi/src/ats_security";
+constexpr char kFormatFailed[] = "snprintf_s failed";
 
 constexpr uint32_t kOpQuery = 0;
 constexpr uint32_t kOpSet = 1;
@@ -82,16 +83,6 @@ int32_t SetResult(int32_t ret, int32_t errorId) {
     return -1;
 }
 
-// Sends a set form that carries a secret; -1 without sending when the line
-// does not fit. The line is wiped whichever way this returns.
-int32_t SendSecret(const Command &cmd, int32_t *errorId) {
-    if (!cmd) {
-        AT_LOG_ERR("snprintf_s failed");
-        return -1;
-    }
-    return cmd.Send(errorId);
-}
-
 }  // namespace
 
 extern "C" {
@@ -106,8 +97,10 @@ int32_t AtPinManagement(uint32_t op, const char *pin, const char *newPin, CpinIn
     }
     if (op != kOpSet || pin == nullptr || r == nullptr) return -1;
     const bool replace = newPin != nullptr && newPin[0] != '\0';
-    const int32_t ret = replace ? SendSecret(Command(kCpinReplace, pin, newPin), &r->errorId)
-                                : SendSecret(Command(kCpinEnter, pin), &r->errorId);
+    const int32_t ret =
+        replace
+            ? SendOrLog(kTraceSrc, kFormatFailed, Command(kCpinReplace, pin, newPin), &r->errorId)
+            : SendOrLog(kTraceSrc, kFormatFailed, Command(kCpinEnter, pin), &r->errorId);
     AT_LOG_INFO("ret = [%d], atExeResult= %d", ret, r->errorId);
     return SetResult(ret, r->errorId);
 }
@@ -121,9 +114,10 @@ int32_t AtPinManagementEx(uint32_t op, const char *pin, const char *newPin, Cpin
         return QueryResult(ret);
     }
     if (op != kOpSet || pin == nullptr || r == nullptr) return -1;
-    const int32_t ret = newPin != nullptr
-                            ? SendSecret(Command(kCpinExReplace, pin, newPin), &r->errorId)
-                            : SendSecret(Command(kCpinExEnter, pin), &r->errorId);
+    const int32_t ret =
+        newPin != nullptr
+            ? SendOrLog(kTraceSrc, kFormatFailed, Command(kCpinExReplace, pin, newPin), &r->errorId)
+            : SendOrLog(kTraceSrc, kFormatFailed, Command(kCpinExEnter, pin), &r->errorId);
     AT_LOG_INFO("ret = %d, atExeResult = %d", ret, r->errorId);
     return SetResult(ret, r->errorId);
 }
@@ -137,7 +131,8 @@ int32_t AtSimLock(uint32_t op, const char *code, CardLockInfo *r) {
         return QueryResult(ret);
     }
     if (op != kOpSet || code == nullptr || r == nullptr) return -1;
-    const int32_t ret = SendSecret(Command(kCardLockUnlock, code), &r->errorId);
+    const int32_t ret =
+        SendOrLog(kTraceSrc, kFormatFailed, Command(kCardLockUnlock, code), &r->errorId);
     AT_LOG_INFO("ret = %d, atExeResult = %d", ret, r->errorId);
     return SetResult(ret, r->errorId);
 }
@@ -154,14 +149,16 @@ int32_t AtPinEnableDisableCmd(uint32_t op, ClckRequest *q, ClckResult *r) {
     }
     if (std::strcmp(q->mode, "0") != 0 && std::strcmp(q->mode, "1") != 0) return -1;
     if (q->passwd == nullptr) return -1;
-    const int32_t ret = SendSecret(Command(kClckSet, q->fac, q->mode, q->passwd), &r->errorId);
+    const int32_t ret = SendOrLog(kTraceSrc, kFormatFailed,
+                                  Command(kClckSet, q->fac, q->mode, q->passwd), &r->errorId);
     AT_LOG_INFO("ret = %d, atExeResult = %d", ret, r->errorId);
     return SetResult(ret, r->errorId);
 }
 
 int32_t AtPinModify(const char *fac, const char *oldPwd, const char *newPwd, int32_t *errorId) {
     if (fac == nullptr || oldPwd == nullptr || newPwd == nullptr || errorId == nullptr) return -1;
-    const int32_t ret = SendSecret(Command(kCpwd, fac, oldPwd, newPwd), errorId);
+    const int32_t ret =
+        SendOrLog(kTraceSrc, kFormatFailed, Command(kCpwd, fac, oldPwd, newPwd), errorId);
     AT_LOG_INFO("ret = %d, atExeResult = %d", ret, *errorId);
     return SetResult(ret, *errorId);
 }

@@ -36,7 +36,8 @@ constexpr char kScenarioRules[] =
     "on AT+CGDCONT?\n"
     "  line +CGDCONT: 1,\"IP\",\"internet\",\"0.0.0.0\",0,0\n"
     "  line +CGDCONT: 2,\"IPV4V6\",\"ims\",\"0.0.0.0\",0,0\n"
-    "on AT+E2EQUERY=*\n  delay 60\n  line +E2EQUERY: $1\n";
+    "on AT+E2EQUERY=*\n  delay 60\n  line +E2EQUERY: $1\n"
+    "on AT+E2ERSSI\n  line ^RSSI: 20\n";
 
 bool QueueExists(int projId) {
     const key_t key = ftok(QueueKeyDir(), projId);

@@ -15,22 +15,25 @@
 namespace atapi::e2e {
 namespace {
 
-// With the modem's echo on, the replies must stay the same; an unsolicited
-// line inside a reply stays out of it.
+// With the modem's echo on, the replies must stay the same. An unsolicited
+// line inside a reply stays out of it; a line of the response prefix the
+// request names is the reply.
 TEST_F(E2eTest, Exchange_ResultClassesAndReplyTexts) {
-    const std::tuple<const char *, int32_t, std::string> cases[] = {
-        {"AT+CGMI", AT_RET_OK, kManufacturer},
-        {"ATE1", AT_RET_OK, ""},
-        {"AT+CGDCONT?", AT_RET_OK, kPdpContexts},
-        {"AT+URCMID", AT_RET_OK, "+URCMID: 1\r\n+URCMID: 2"},
-        {"AT+CPIN=\"0000\"", AT_RET_CME_ERROR, "+CME ERROR: 16"},
-        {"AT+CMGR=9", AT_RET_CMS_ERROR, "+CMS ERROR: 321"},
-        {"AT+NOSUCHCOMMAND", AT_RET_ERROR, "ERROR"},
-        {"ATD*99#", AT_RET_ERROR, "NO CARRIER"},
-        {"ATE0", AT_RET_OK, ""},
+    const std::tuple<const char *, const char *, int32_t, std::string> cases[] = {
+        {"AT+CGMI", nullptr, AT_RET_OK, kManufacturer},
+        {"ATE1", nullptr, AT_RET_OK, ""},
+        {"AT+CGDCONT?", nullptr, AT_RET_OK, kPdpContexts},
+        {"AT+URCMID", nullptr, AT_RET_OK, "+URCMID: 1\r\n+URCMID: 2"},
+        {"AT+E2ERSSI", "^RSSI", AT_RET_OK, "^RSSI: 20"},
+        {"AT+E2ERSSI", nullptr, AT_RET_OK, ""},
+        {"AT+CPIN=\"0000\"", nullptr, AT_RET_CME_ERROR, "+CME ERROR: 16"},
+        {"AT+CMGR=9", nullptr, AT_RET_CMS_ERROR, "+CMS ERROR: 321"},
+        {"AT+NOSUCHCOMMAND", nullptr, AT_RET_ERROR, "ERROR"},
+        {"ATD*99#", nullptr, AT_RET_ERROR, "NO CARRIER"},
+        {"ATE0", nullptr, AT_RET_OK, ""},
     };
-    for (const auto &[cmd, retVal, text] : cases) {
-        const Exchange reply = Send(cmd);
+    for (const auto &[cmd, prefix, retVal, text] : cases) {
+        const Exchange reply = Send(cmd, 10, prefix);
         ASSERT_EQ(reply.status, 0) << cmd;
         EXPECT_EQ(reply.retVal, retVal) << cmd;
         EXPECT_EQ(reply.text, text) << cmd;

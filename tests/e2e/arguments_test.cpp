@@ -39,61 +39,44 @@ TEST(ProgramArguments, ErrorsNameTheArgument) {
     test::IsolatedRuntime runtime;
     const std::string missingScenario = runtime.Path("/no-such.scn");
     struct Case {
-        const std::string &(*program)();
+        const Program &program;
         std::vector<std::string> args;
         int exitCode;
-        std::string message;  // the start of stderr
+        std::string message;  // the start of stderr, after the program's name
     };
+    const Program &server = kPrograms[0], &sim = kPrograms[1], &cli = kPrograms[2];
+    // clang-format off
     const Case cases[] = {
-        {ServerProgram, {"--sim", "--bogus"}, 64, "atserver: unknown option: --bogus"},
-        {ServerProgram,
-         {"--sim", "--log-level", "loud"},
-         64,
-         "atserver: bad value for --log-level: loud"},
-        {ServerProgram, {"--tcp", "nocolon"}, 64, "atserver: bad value for --tcp: nocolon"},
-        {ServerProgram,
-         {"--sim", "--ready-timeout"},
-         64,
-         "atserver: missing value for --ready-timeout"},
-        {ServerProgram,
-         {"--sim", "--emergency-numbers", "112,,911"},
-         64,
-         "atserver: bad value for --emergency-numbers: 112,,911"},
-        {ServerProgram,
-         {"--sim", "--log", "x.log", "--syslog"},
-         64,
-         "atserver: --log and --syslog exclude each other"},
-        {ServerProgram,
-         {"--sim", "--tty", "/dev/null"},
-         64,
-         "atserver: exactly one of --tty, --tcp and --sim is needed"},
-        {SimProgram, {"--bogus"}, 64, "atsim: unknown option: --bogus"},
-        {SimProgram,
-         {"--urc-interval-ms", "soon"},
-         64,
-         "atsim: bad value for --urc-interval-ms: soon"},
-        {SimProgram, {"--fail"}, 64, "atsim: missing value for --fail"},
-        {SimProgram, {"a.scn", "b.scn"}, 64, "atsim: a second scenario: b.scn"},
-        {SimProgram,
-         {missingScenario},
-         2,
-         "atsim: cannot read the scenario file " + missingScenario + ": "},
-        {CliProgram, {}, 64, "atcli: missing command"},
-        {CliProgram, {"nosuchcommand"}, 64, "atcli: unknown command: nosuchcommand"},
-        {CliProgram, {"raw", "AT", "--timeout"}, 64, "atcli: raw: missing value for --timeout"},
-        {CliProgram,
-         {"raw", "AT", "--timeout", "-1"},
-         64,
-         "atcli: raw: bad value for --timeout: -1"},
-        {CliProgram, {"raw", "AT", "--quiet"}, 64, "atcli: raw: unknown option: --quiet"},
+        {server, {"--sim", "--bogus"}, 64, "unknown option: --bogus"},
+        {server, {"--sim", "--log-level", "loud"}, 64, "bad value for --log-level: loud"},
+        {server, {"--tcp", "nocolon"}, 64, "bad value for --tcp: nocolon"},
+        {server, {"--sim", "--ready-timeout"}, 64, "missing value for --ready-timeout"},
+        {server, {"--sim", "--emergency-numbers", "112,,911"}, 64,
+         "bad value for --emergency-numbers: 112,,911"},
+        {server, {"--sim", "--log", "x.log", "--syslog"}, 64,
+         "--log and --syslog exclude each other"},
+        {server, {"--sim", "--tty", "/dev/null"}, 64,
+         "exactly one of --tty, --tcp and --sim is needed"},
+        {sim, {"--bogus"}, 64, "unknown option: --bogus"},
+        {sim, {"--urc-interval-ms", "soon"}, 64, "bad value for --urc-interval-ms: soon"},
+        {sim, {"--fail"}, 64, "missing value for --fail"},
+        {sim, {"a.scn", "b.scn"}, 64, "a second scenario: b.scn"},
+        {sim, {missingScenario}, 2, "cannot read the scenario file " + missingScenario + ": "},
+        {cli, {}, 64, "missing command"},
+        {cli, {"nosuchcommand"}, 64, "unknown command: nosuchcommand"},
+        {cli, {"raw", "AT", "--timeout"}, 64, "raw: missing value for --timeout"},
+        {cli, {"raw", "AT", "--timeout", "-1"}, 64, "raw: bad value for --timeout: -1"},
+        {cli, {"raw", "AT", "--quiet"}, 64, "raw: unknown option: --quiet"},
     };
+    // clang-format on
     for (const Case &c : cases) {
-        std::vector<std::string> argv{c.program()};
+        std::vector<std::string> argv{c.program.path()};
         argv.insert(argv.end(), c.args.begin(), c.args.end());
-        SCOPED_TRACE(c.message);
+        const std::string message = std::string(c.program.name) + ": " + c.message;
+        SCOPED_TRACE(message);
         const ProcessResult result = RunProcess(argv, runtime.Root());
         EXPECT_EQ(result.exitCode, c.exitCode);
-        EXPECT_EQ(result.err.rfind(c.message, 0), 0u) << result.err;
+        EXPECT_EQ(result.err.rfind(message, 0), 0u) << result.err;
         EXPECT_EQ(result.out, "");
     }
     ExpectNothingLeft();

@@ -1,5 +1,6 @@
-// Control requests straight on the request queue: clearing queued requests
-// (types 7 and 8).
+// Clear requests (types 7 and 8) written straight into atserver's request
+// queue reach its scheduler from the queue intake; the cases of clearing are
+// the scheduler suite's.
 #include <cstring>
 #include <initializer_list>
 #include <string>

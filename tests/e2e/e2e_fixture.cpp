@@ -30,23 +30,14 @@ using Clock = std::chrono::steady_clock;
 
 constexpr auto kPollStep = std::chrono::milliseconds(10);
 
-// Exact texts of our own and unsolicited-report prefixes inside replies, in
-// front of every shipped rule and fault.
+// Exact texts of our own in front of every shipped rule and fault.
 constexpr char kScenarioRules[] =
     "on AT+CGMI\n  line E2E Modem Works\n"
     "on AT+CGDCONT?\n"
     "  line +CGDCONT: 1,\"IP\",\"internet\",\"0.0.0.0\",0,0\n"
     "  line +CGDCONT: 2,\"IPV4V6\",\"ims\",\"0.0.0.0\",0,0\n"
-    "on AT+CREG?\n"
-    "  line +CREG: 2,1,\"00C3\",\"0000A1B2\"\n"
     "on AT+E2EQUERY=*\n  delay 60\n  line +E2EQUERY: $1\n"
-    "on AT+E2ERSSI\n"
-    "  line ^RSSI: 20\n"
-    "on AT+E2ESMS\n"
-    "  line +E2ESMS: 1\n"
-    "  urc +CMT: ,24\n"
-    "  urc 07911326040000F0040B911346610089F60000208062917314080CC8F71D14969741F977FD07\n"
-    "  line +E2ESMS: 2\n";
+    "on AT+E2ERSSI\n  line ^RSSI: 20\n";
 
 bool QueueExists(int projId) {
     const key_t key = ftok(QueueKeyDir(), projId);
@@ -241,9 +232,7 @@ void E2eTest::SetUp() {
     runtime_ = std::make_unique<test::IsolatedRuntime>();
     scenario_ = runtime_->Path("/e2e.scn");
     std::ofstream out(scenario_);
-    out << kScenarioRules << "on AT+E2ELONG\n";
-    for (int n = 1; n <= kLongReplyLines; ++n) out << "  line " << LongReplyLine(n) << "\n";
-    out << "include " << ATSIM_SCENARIO_DIR << "/faults.scn\n";
+    out << kScenarioRules << "include " << ATSIM_SCENARIO_DIR << "/faults.scn\n";
     out.close();
     ASSERT_TRUE(out) << "cannot write " << scenario_;
     server_ = std::make_unique<AtServerProcess>(*runtime_);
@@ -280,10 +269,6 @@ ProcessResult ShippedScenarioTest::Cli(const std::vector<std::string> &args,
     std::vector<std::string> argv{CliProgram()};
     argv.insert(argv.end(), args.begin(), args.end());
     return RunProcess(argv, runtime_->Root(), input);
-}
-
-std::string LongReplyLine(int n) {
-    return "+E2ELONG: " + std::to_string(10 + n) + " " + std::string(50, 'x');
 }
 
 bool SendRaw(int qid, const void *msg, uint32_t length) {

@@ -119,10 +119,6 @@ inline constexpr char kPdpContexts[] =
     "+CGDCONT: 1,\"IP\",\"internet\",\"0.0.0.0\",0,0\r\n"
     "+CGDCONT: 2,\"IPV4V6\",\"ims\",\"0.0.0.0\",0,0";
 
-// "AT+E2ELONG" answers kLongReplyLines lines, more than a reply holds.
-inline constexpr int kLongReplyLines = 30;
-std::string LongReplyLine(int n);
-
 // Sends one raw message (lengths include the type word) to a queue.
 bool SendRaw(int qid, const void *msg, uint32_t length);
 

@@ -1,48 +1,43 @@
 // Exchanges through the whole road: library -> queues -> atserver -> pty ->
-// atsim and back, checking the reply texts atserver builds.
+// atsim and back, checking the reply texts atserver builds, the routing of
+// replies to threads, the sequence check and a restarted server.
 #include <atomic>
-#include <fstream>
 #include <string>
 #include <thread>
 #include <tuple>
 #include <vector>
 
+#include "atapi/at_link.h"
 #include "e2e_fixture.h"
+#include "link/at_lib_state.h"
+#include "trace_capture.h"
 
 namespace atapi::e2e {
 namespace {
 
-// With the modem's echo on, the replies must stay the same.
+// With the modem's echo on, the replies must stay the same. An unsolicited
+// line inside a reply stays out of it; a line of the response prefix the
+// request names is the reply.
 TEST_F(E2eTest, Exchange_ResultClassesAndReplyTexts) {
-    const std::tuple<const char *, int32_t, std::string> cases[] = {
-        {"AT+CGMI", AT_RET_OK, kManufacturer},
-        {"ATE1", AT_RET_OK, ""},
-        {"AT+CGDCONT?", AT_RET_OK, kPdpContexts},
-        {"AT+CPIN=\"0000\"", AT_RET_CME_ERROR, "+CME ERROR: 16"},
-        {"AT+CMGR=9", AT_RET_CMS_ERROR, "+CMS ERROR: 321"},
-        {"AT+NOSUCHCOMMAND", AT_RET_ERROR, "ERROR"},
-        {"ATD*99#", AT_RET_ERROR, "NO CARRIER"},
-        {"ATE0", AT_RET_OK, ""},
+    const std::tuple<const char *, const char *, int32_t, std::string> cases[] = {
+        {"AT+CGMI", nullptr, AT_RET_OK, kManufacturer},
+        {"ATE1", nullptr, AT_RET_OK, ""},
+        {"AT+CGDCONT?", nullptr, AT_RET_OK, kPdpContexts},
+        {"AT+URCMID", nullptr, AT_RET_OK, "+URCMID: 1\r\n+URCMID: 2"},
+        {"AT+E2ERSSI", "^RSSI", AT_RET_OK, "^RSSI: 20"},
+        {"AT+E2ERSSI", nullptr, AT_RET_OK, ""},
+        {"AT+CPIN=\"0000\"", nullptr, AT_RET_CME_ERROR, "+CME ERROR: 16"},
+        {"AT+CMGR=9", nullptr, AT_RET_CMS_ERROR, "+CMS ERROR: 321"},
+        {"AT+NOSUCHCOMMAND", nullptr, AT_RET_ERROR, "ERROR"},
+        {"ATD*99#", nullptr, AT_RET_ERROR, "NO CARRIER"},
+        {"ATE0", nullptr, AT_RET_OK, ""},
     };
-    for (const auto &[cmd, retVal, text] : cases) {
-        const Exchange reply = Send(cmd);
+    for (const auto &[cmd, prefix, retVal, text] : cases) {
+        const Exchange reply = Send(cmd, 10, prefix);
         ASSERT_EQ(reply.status, 0) << cmd;
         EXPECT_EQ(reply.retVal, retVal) << cmd;
         EXPECT_EQ(reply.text, text) << cmd;
     }
-}
-
-TEST_F(E2eTest, Exchange_TooLongReplyIsCutAtALineBoundary) {
-    // 63-character lines joined by CR LF: 23 of them (1493 characters) fit in
-    // the 1531 characters of a reply, 24 would not.
-    constexpr int kKept = 23;
-    std::string expected = LongReplyLine(1);
-    for (int n = 2; n <= kKept; ++n) expected += "\r\n" + LongReplyLine(n);
-    const Exchange reply = Send("AT+E2ELONG");
-    ASSERT_EQ(reply.status, 0);
-    EXPECT_EQ(reply.text, expected);
-    EXPECT_TRUE(
-        server_->WaitForLog(std::to_string(kLongReplyLines - kKept) + " lines did not fit"));
 }
 
 // Unsolicited lines every 50 ms run between the replies all the while.
@@ -74,44 +69,36 @@ TEST_F(E2eBusyTest, Exchange_ConcurrentThreadsEachGetTheirOwnReplies) {
     for (const std::string &description : firstWrong) EXPECT_EQ(description, "");
 }
 
-// Without periodic unsolicited lines, the report file holds exactly the
-// lines that atserver recognised as unsolicited.
-class E2eQuietTest : public E2eTest {
-  protected:
-    std::vector<std::string> ServerArgs() const override { return {"--sim-arg", "--no-urc"}; }
-};
+// The library gives up after its timeout and asks the server to abort the
+// command, naming it; the answer to the aborted command comes late and is
+// dropped by its sequence number.
+TEST_F(E2eTest, Abort_TimedOutCommandIsAbortedAndItsLateReplyDropped) {
+    test::TraceCapture trace;
+    const std::string cmd = "AT+SLOW";
+    EXPECT_EQ(Send(cmd, 1).status, -1);
+    const std::string tid = std::to_string(CurrentTid());
+    EXPECT_TRUE(server_->WaitForLog("abort request from " + tid + " for \"" + cmd + "\""))
+        << server_->Log();
+    EXPECT_TRUE(server_->WaitForLog("aborted \"" + cmd + "\" of " + tid));
+    const Exchange next = Send("AT+CGMI");
+    ASSERT_EQ(next.status, 0);
+    EXPECT_EQ(next.text, kManufacturer);
+    EXPECT_EQ(trace.Count("Error:Msg seq error"), 1u);
+}
 
-TEST_F(E2eQuietTest, Unsolicited_KeptOutOfRepliesUnlessTheCommandNamesThem) {
-    struct Case {
-        const char *cmd;
-        const char *prefix;
-        std::string text;
-        std::vector<std::string> reported;
-    };
-    const Case cases[] = {
-        {"AT+URCMID", nullptr, "+URCMID: 1\r\n+URCMID: 2", {"^RSSI: 17"}},
-        {"AT+CREG?", nullptr, "+CREG: 2,1,\"00C3\",\"0000A1B2\"", {}},
-        {"AT+E2ERSSI", "^RSSI", "^RSSI: 20", {}},
-        {"AT+E2ERSSI", nullptr, "", {"^RSSI: 20"}},
-        {"AT+E2ESMS",
-         nullptr,
-         "+E2ESMS: 1\r\n+E2ESMS: 2",
-         {"+CMT: ,24",
-          "07911326040000F0040B911346610089F60000208062917314080CC8F71D14969741F977FD07"}},
-    };
-    std::vector<std::string> reported;
-    for (const Case &c : cases) {
-        SCOPED_TRACE(std::string(c.cmd) + (c.prefix != nullptr ? c.prefix : ""));
-        const Exchange reply = Send(c.cmd, 10, c.prefix);
-        ASSERT_EQ(reply.status, 0);
-        EXPECT_EQ(reply.retVal, AT_RET_OK);
-        EXPECT_EQ(reply.text, c.text);
-        reported.insert(reported.end(), c.reported.begin(), c.reported.end());
-        std::ifstream in(server_->ReportPath());
-        std::vector<std::string> lines;
-        for (std::string line; std::getline(in, line);) lines.push_back(line);
-        EXPECT_EQ(lines, reported);
-    }
+TEST_F(E2eTest, Restart_NewServerIsPickedUpAfterReset) {
+    ASSERT_EQ(Send("AT+CGMI").retVal, AT_RET_OK);
+    const pid_t first = server_->Pid();
+    ASSERT_EQ(server_->Stop(), 0) << server_->Log();
+    ExpectNothingLeft();
+
+    server_->Start(scenario_, ServerArgs());
+    ASSERT_NE(server_->Pid(), first);
+    AtMicResetAtsTaskId();
+    const Exchange reply = Send("AT+CGMI");
+    ASSERT_EQ(reply.status, 0);
+    EXPECT_EQ(reply.text, kManufacturer);
+    EXPECT_EQ(g_atsLibTaskId, server_->Pid());
 }
 
 }  // namespace

@@ -38,11 +38,14 @@ TEST_F(E2eTest, Atcli_RawPrintsClassAndText) {
 
 TEST(AtcliWithoutServer, Atcli_SaysSoAndExitsTwo) {
     test::IsolatedRuntime runtime;
-    const ProcessResult result = RunProcess({CliProgram(), "raw", "AT+CGMI"}, runtime.Root());
-    EXPECT_EQ(result.exitCode, 2);
-    EXPECT_EQ(result.out, "");
-    EXPECT_EQ(result.err, "atcli: atserver is not running (no ready flag at " +
-                              runtime.Path(kReadyFlagPath) + ")\n");
+    for (const auto &[command, argument] : {std::pair{"raw", "AT+CGMI"}, {"pin", "state"}}) {
+        SCOPED_TRACE(command);
+        const ProcessResult result = RunProcess({CliProgram(), command, argument}, runtime.Root());
+        EXPECT_EQ(result.exitCode, 2);
+        EXPECT_EQ(result.out, "");
+        EXPECT_EQ(result.err, "atcli: atserver is not running (no ready flag at " +
+                                  runtime.Path(kReadyFlagPath) + ")\n");
+    }
 }
 
 TEST(AtserverStart, ModemThatNeverAnswersEndsTheStartWithAClearError) {

@@ -12,6 +12,7 @@
 #include <fstream>
 #include <sstream>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "atapi/at_types.h"
@@ -51,6 +52,7 @@ class NotifySocket {
         if (name_[0] == '/') unlink(name_.c_str());
     }
     bool Bound() const { return bound_; }
+    const std::string &Name() const { return name_; }
     // The next datagram, or "" when none comes within the limit.
     std::string Receive() const {
         char buf[256];
@@ -66,32 +68,23 @@ class NotifySocket {
     bool bound_ = false;
 };
 
-TEST(ServiceManager, ReadyAndStoppingReachTheNotifySocket) {
+// Each stop signal removes every file and says why; a service manager's
+// socket (abstract or a path) hears of the start and of the stop.
+TEST(AtserverStop, StopSignalsRemoveEveryFileAndReachTheServiceManager) {
     const std::string abstractName = "@atapi-e2e-notify-" + std::to_string(getpid());
-    for (const bool abstract : {true, false}) {
-        test::IsolatedRuntime runtime;
-        const std::string name = abstract ? abstractName : runtime.Path("/notify.sock");
+    for (const auto &[signo, name, abstract] :
+         {std::tuple{SIGTERM, "SIGTERM", true}, std::tuple{SIGINT, "SIGINT", false}}) {
         SCOPED_TRACE(name);
-        NotifySocket socket(name);
+        test::IsolatedRuntime runtime;
+        NotifySocket socket(abstract ? abstractName : runtime.Path("/notify.sock"));
         ASSERT_TRUE(socket.Bound()) << std::strerror(errno);
-        setenv("NOTIFY_SOCKET", name.c_str(), 1);
+        setenv("NOTIFY_SOCKET", socket.Name().c_str(), 1);
         AtServerProcess server(runtime);
         server.Start(kDefaultScenario, {});
         unsetenv("NOTIFY_SOCKET");
         EXPECT_EQ(socket.Receive(), "READY=1") << server.Log();
-        EXPECT_EQ(server.Stop(), 0);
-        EXPECT_EQ(socket.Receive(), "STOPPING=1") << server.Log();
-        ExpectNothingLeft();
-    }
-}
-
-TEST(AtserverStop, StopSignalsRemoveEveryFileAndSayWhy) {
-    for (const auto &[signo, name] : {std::pair{SIGTERM, "SIGTERM"}, std::pair{SIGINT, "SIGINT"}}) {
-        SCOPED_TRACE(name);
-        test::IsolatedRuntime runtime;
-        AtServerProcess server(runtime);
-        server.Start(kDefaultScenario, {});
         EXPECT_EQ(server.Stop(signo), 0);
+        EXPECT_EQ(socket.Receive(), "STOPPING=1") << server.Log();
         ExpectNothingLeft();
         EXPECT_NE(server.Log().find(std::string("stopped (") + name + ")"), std::string::npos)
             << server.Log();

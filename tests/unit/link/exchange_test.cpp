@@ -4,7 +4,6 @@
 #include <cstring>
 #include <memory>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "gtest/gtest.h"
@@ -81,30 +80,6 @@ TEST(Exchange, ReplyMatchingAndAbortOnFailure) {
         EXPECT_EQ(abort.timeoutSec, 30);
         EXPECT_EQ(CmdOf(abort), kCmd);
     }
-}
-
-TEST(Exchange, ThreadsGetTheirOwnReplies) {
-    constexpr int kThreads = 16;
-    constexpr int kPerThread = 10;
-    IsolatedRuntime runtime;
-    ScriptedModem server(runtime);
-    server.AnswerAnyWith(Ok(""));
-    std::vector<std::thread> threads;
-    std::vector<int> failures(kThreads, 0);
-    for (int t = 0; t < kThreads; ++t) {
-        threads.emplace_back([t, &failures] {
-            for (int i = 0; i < kPerThread; ++i) {
-                const std::string tag = std::to_string(t) + "_" + std::to_string(i);
-                AtSrvMsg msg = MakeRequest("AT+T" + tag, "T" + tag);
-                const bool own = GetDataFromAtServer(&msg) == 0 && msg.mtype == CurrentTid() &&
-                                 msg.sndRcvMsg.rMsg.atName == "T" + tag;
-                failures[t] += own ? 0 : 1;
-            }
-        });
-    }
-    for (auto &th : threads) th.join();
-    for (int t = 0; t < kThreads; ++t) EXPECT_EQ(failures[t], 0) << "thread " << t;
-    EXPECT_EQ(server.Requests().size(), size_t{kThreads * kPerThread});
 }
 
 TEST(Exchange, RestartedServerIsFound) {

@@ -1,6 +1,7 @@
 // The modem trace switch against the scripted modem: the line for each
 // setting, no response prefix, the default timeout, and how a refusal or an
-// unknown setting comes back.
+// unknown setting comes back (the other result classes are the send
+// primitive's, tested with it).
 
 #include <cstdint>
 
@@ -27,8 +28,6 @@ TEST(AtTraceOn, SendsOneCommandPerSetting) {
             {"off", Switch(0), {Sent("AT^TRACEON=0")}, 0},
             {"on", Switch(1), {Sent("AT^TRACEON=1")}, 0},
             {"refused", Switch(1), {Fails("AT^TRACEON=1", AT_RET_CME_ERROR, "+CME ERROR: 3")}, -1},
-            {"plain error", Switch(0), {Fails("AT^TRACEON=0", AT_RET_ERROR, "ERROR")}, -1},
-            {"aborted", Switch(1), {Fails("AT^TRACEON=1", AT_RET_ABORTED, "AT_ABORTED")}, -1},
             {"unknown setting, nothing sent", Switch(2), {}, -1},
             {"largest setting, nothing sent", Switch(UINT32_MAX), {}, -1},
         },

@@ -31,6 +31,14 @@ std::string Context(const std::string &head, const std::string &nssai) {
 
 const std::string kNssaiTail = ",\"\",,,,,,,,,,,,,,\"01.000001\",,,,";
 
+// Three wrong PINs, ten wrong PUKs, and then the right PUK is refused.
+std::vector<Step> TenWrongPuks() {
+    std::vector<Step> steps(3, {"AT+CPIN=\"1\"", {kCme16}});
+    steps.insert(steps.end(), 10, {"AT+CPIN=\"0\",\"1\"", {kCme16}});
+    steps.push_back({"AT+CPIN=\"12345678\",\"1\"", {"+CME ERROR: 13"}});
+    return steps;
+}
+
 TEST(DefaultScenarioSession, StateFollowsTheCommands) {
     const Session sessions[] = {
         {"wrong PINs count down, the right one resets the counter",
@@ -65,21 +73,7 @@ TEST(DefaultScenarioSession, StateFollowsTheCommands) {
           {"AT+CPWD=\"SC\",\"9999\",\"1\"", {kCme16}},
           {"AT+CLCK=\"SC\",0,\"9999\"", {kCme16}},
           {"AT+CPIN?", {"+CPIN: SIM PUK", "OK"}}}},
-        {"ten wrong PUKs block the card for good",
-         {{"AT+CPIN=\"1\"", {kCme16}},
-          {"AT+CPIN=\"1\"", {kCme16}},
-          {"AT+CPIN=\"1\"", {kCme16}},
-          {"AT+CPIN=\"0\",\"1\"", {kCme16}},
-          {"AT+CPIN=\"0\",\"1\"", {kCme16}},
-          {"AT+CPIN=\"0\",\"1\"", {kCme16}},
-          {"AT+CPIN=\"0\",\"1\"", {kCme16}},
-          {"AT+CPIN=\"0\",\"1\"", {kCme16}},
-          {"AT+CPIN=\"0\",\"1\"", {kCme16}},
-          {"AT+CPIN=\"0\",\"1\"", {kCme16}},
-          {"AT+CPIN=\"0\",\"1\"", {kCme16}},
-          {"AT+CPIN=\"0\",\"1\"", {kCme16}},
-          {"AT+CPIN=\"0\",\"1\"", {kCme16}},
-          {"AT+CPIN=\"12345678\",\"1\"", {"+CME ERROR: 13"}}}},
+        {"ten wrong PUKs block the card for good", TenWrongPuks()},
         {"a context keeps its S-NSSAI until it is defined again without one",
          {{"AT+CGDCONT=1,\"IP\",\"slice.example\"" + kNssaiTail, {"OK"}},
           {"AT+CGDCONT=5,\"IPV6\",\"v6.example\"" + kNssaiTail, {"OK"}},

@@ -1,11 +1,8 @@
 // Exchanges through the whole road: library -> queues -> atserver -> pty ->
-// atsim and back, checking the reply texts atserver builds, the routing of
-// replies to threads, the sequence check and a restarted server.
-#include <atomic>
+// atsim and back, checking the reply texts atserver builds, the sequence
+// check and a restarted server (routing under load: soak_test.cpp).
 #include <string>
-#include <thread>
 #include <tuple>
-#include <vector>
 
 #include "atapi/at_link.h"
 #include "e2e_fixture.h"
@@ -38,35 +35,6 @@ TEST_F(E2eTest, Exchange_ResultClassesAndReplyTexts) {
         EXPECT_EQ(reply.retVal, retVal) << cmd;
         EXPECT_EQ(reply.text, text) << cmd;
     }
-}
-
-// Unsolicited lines every 50 ms run between the replies all the while.
-class E2eBusyTest : public E2eTest {
-  protected:
-    std::vector<std::string> ServerArgs() const override {
-        return {"--sim-arg", "--urc-interval-ms", "--sim-arg", "50"};
-    }
-};
-
-TEST_F(E2eBusyTest, Exchange_ConcurrentThreadsEachGetTheirOwnReplies) {
-    constexpr int kThreads = 16;
-    constexpr int kCommandsPerThread = 200;
-    std::atomic<int> wrong{0};
-    std::vector<std::string> firstWrong(kThreads);
-    std::vector<std::thread> threads;
-    for (int t = 0; t < kThreads; ++t) {
-        threads.emplace_back([t, &wrong, &firstWrong] {
-            for (int i = 0; i < kCommandsPerThread; ++i) {
-                const std::string cmd = "AT+ECHOCMD=" + std::to_string(t) + "," + std::to_string(i);
-                const Exchange reply = Send(cmd, 30);
-                if (reply.status == 0 && reply.text == "+ECHOCMD: " + cmd) continue;
-                if (wrong++ == 0) firstWrong[t] = cmd + " -> \"" + reply.text + "\"";
-            }
-        });
-    }
-    for (std::thread &thread : threads) thread.join();
-    EXPECT_EQ(wrong.load(), 0);
-    for (const std::string &description : firstWrong) EXPECT_EQ(description, "");
 }
 
 // The library gives up after its timeout and asks the server to abort the

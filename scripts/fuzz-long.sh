@@ -20,15 +20,16 @@ fi
 seconds=$1
 shift
 
-cmake --preset fuzz >/dev/null
-cmake --build --preset fuzz -j "$(nproc)" >/dev/null
-cmake --preset fuzz-coverage >/dev/null
-cmake --build --preset fuzz-coverage -j "$(nproc)" >/dev/null
-
 targets=("$@")
 if [ ${#targets[@]} -eq 0 ]; then
     for source in fuzz/fuzz_*.cpp; do targets+=("$(basename "$source" .cpp)"); done
 fi
+# Only the targets: the coverage build's shared library would lack the
+# fuzzer's runtime.
+for preset in fuzz fuzz-coverage; do
+    cmake --preset "$preset" >/dev/null
+    cmake --build --preset "$preset" -j "$(nproc)" --target "${targets[@]}" >/dev/null
+done
 
 # The traces of injected allocation failures would drown the fuzzers' output.
 export ATAPI_TRACE_LEVEL=0

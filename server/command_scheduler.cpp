@@ -285,6 +285,7 @@ void CommandScheduler::StartNext(int64_t nowMs) {
                        nowMs,
                        nowMs + GuardMs(request.timeoutSec)};
     io_.WriteToModem(running_->cmd + "\r");
+    LogDebug("sent \"%s\" of %d", LoggableCommand(running_->cmd).c_str(), request.mtype);
 }
 
 void CommandScheduler::Answer(const AtSrvMsg &request, const ReplyText &reply) {

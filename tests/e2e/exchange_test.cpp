@@ -1,6 +1,7 @@
 // Exchanges through the whole road: library -> queues -> atserver -> pty ->
 // atsim and back, checking the reply texts atserver builds, the sequence
-// check and a restarted server (routing under load: soak_test.cpp).
+// check and the abort of a timed-out command (routing under load: soak_test.cpp,
+// restarts: faults_test.cpp).
 #include <string>
 #include <tuple>
 
@@ -52,21 +53,6 @@ TEST_F(E2eTest, Abort_TimedOutCommandIsAbortedAndItsLateReplyDropped) {
     ASSERT_EQ(next.status, 0);
     EXPECT_EQ(next.text, kManufacturer);
     EXPECT_EQ(trace.Count("Error:Msg seq error"), 1u);
-}
-
-TEST_F(E2eTest, Restart_NewServerIsPickedUpAfterReset) {
-    ASSERT_EQ(Send("AT+CGMI").retVal, AT_RET_OK);
-    const pid_t first = server_->Pid();
-    ASSERT_EQ(server_->Stop(), 0) << server_->Log();
-    ExpectNothingLeft();
-
-    server_->Start(scenario_, ServerArgs());
-    ASSERT_NE(server_->Pid(), first);
-    AtMicResetAtsTaskId();
-    const Exchange reply = Send("AT+CGMI");
-    ASSERT_EQ(reply.status, 0);
-    EXPECT_EQ(reply.text, kManufacturer);
-    EXPECT_EQ(g_atsLibTaskId, server_->Pid());
 }
 
 }  // namespace

@@ -1,14 +1,17 @@
-// Faults on both sides of atserver, one after another on the same server:
-// what the caller sees, what atserver logs, and that the next exchange works.
+// Faults on both sides of atserver, one after another on the same server (or
+// the one started after it): what the caller sees, what atserver logs, and
+// that the next exchange works.
 #include <unistd.h>
 
 #include <cstring>
 #include <functional>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "atapi/at_link.h"
 #include "e2e_fixture.h"
+#include "link/at_lib_state.h"
 #include "link/ats_paths.h"
 
 namespace atapi::e2e {
@@ -38,6 +41,16 @@ void SendMalformedRecords(pid_t server) {
     ASSERT_EQ(AtsEventSend(server, 1), 1);
 }
 
+// A record on the reply queue for this thread (length includes the type word).
+void PutReply(int32_t mtype, uint32_t length) {
+    const int qid = AtsGetMsgQueueId(kServerSendProjId);
+    ASSERT_NE(qid, -1);
+    AtSrvMsg record{};
+    record.mtype = mtype;
+    record.sndRcvMsg.rMsg.retVal = AT_RET_OK;
+    ASSERT_TRUE(SendRaw(qid, &record, length));
+}
+
 // Noise stays out of the reply: no control byte, nothing of the over-long line.
 void ExpectCleanReply(const Exchange &reply) {
     ASSERT_EQ(reply.status, 0);
@@ -50,10 +63,15 @@ void ExpectCleanReply(const Exchange &reply) {
 }
 
 TEST_F(E2eTest, Faults_CallerSeesEachAndTheNextExchangeWorks) {
+    const auto restart = [this](int signo) {
+        server_->Stop(signo);
+        server_->Start(scenario_, ServerArgs());
+        ASSERT_TRUE(server_->WaitForLog("ready after")) << server_->Log();
+    };
     struct Fault {
         const char *name;
         std::function<void()> provoke;  // checks what the caller sees
-        std::string logged;             // by atserver
+        std::string logged;             // by atserver (the server started last)
         size_t times;
     };
     const Fault faults[] = {
@@ -61,7 +79,9 @@ TEST_F(E2eTest, Faults_CallerSeesEachAndTheNextExchangeWorks) {
          "dropped a malformed record", 3},
         {"binary noise and an over-long line", [] { ExpectCleanReply(Send("AT+GARBAGE")); },
          "dropped an over-long modem line", 1},
-        {"the modem closes its port: ERROR, and atsim is started again",
+        {"the modem never answers: the caller times out",
+         [] { EXPECT_EQ(Send("AT+SILENT", 1).status, -1); }, "aborted", 1},
+        {"the modem closes its port mid-reply: ERROR, nothing of the cut reply, atsim again",
          [] {
              const Exchange hangup = Send("AT+HANGUP", 5);
              ASSERT_EQ(hangup.status, 0);
@@ -69,6 +89,39 @@ TEST_F(E2eTest, Faults_CallerSeesEachAndTheNextExchangeWorks) {
              EXPECT_EQ(hangup.text, "ERROR");
          },
          "modem port closed", 1},
+        {"a reply of the wrong size for this thread fails its exchange",
+         [] {
+             PutReply(CurrentTid(), AT_SRV_MSG_SIZE - 100);
+             EXPECT_EQ(Send("AT+CGMI", 5).status, -1);
+         },
+         "modem port closed", 1},
+        {"a reply for another thread is left alone",
+         [] {
+             PutReply(ForeignMtype(21), AT_SRV_MSG_SIZE);
+             EXPECT_EQ(Send("AT+CGMI", 5).text, kManufacturer);
+         },
+         "modem port closed", 1},
+        {"atserver stopped between two calls and started again, no reset",
+         [&] { restart(SIGTERM); }, "ready after", 1},
+        // The caller waits out its timeout: the reply queue it polls was replaced.
+        {"atserver killed while a caller waits for its reply, started again",
+         [&] {
+             Exchange waiting;
+             std::thread caller([&waiting] { waiting = Send("AT+SLOW=5000", 3); });
+             EXPECT_TRUE(server_->WaitForLog("sent \"AT+SLOW="));
+             restart(SIGKILL);
+             caller.join();
+             EXPECT_EQ(waiting.status, -1);
+         },
+         "left by an earlier run", 2},
+        {"atserver killed between two calls, started again, reset",
+         [&] {
+             restart(SIGKILL);
+             AtMicResetAtsTaskId();
+             EXPECT_EQ(Send("AT").retVal, AT_RET_OK);
+             EXPECT_EQ(g_atsLibTaskId, server_->Pid());
+         },
+         "left by an earlier run", 2},
     };
     for (const Fault &fault : faults) {
         SCOPED_TRACE(fault.name);

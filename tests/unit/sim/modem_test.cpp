@@ -62,7 +62,7 @@ TEST(FaultScenario, ConversationInOrder) {
         // Faults: no answer at all, then a closed port.
         {"AT+SILENT\r", 60000, ""},
         {"AT\r", 0, Framed({"OK"})},
-        {"AT+HANGUP\r", 0, ""},
+        {"AT+HANGUP\r", 0, Framed({"+HANGUP: cut short"})},
         {"AT\r", 1000, ""},
     };
     ModemHarness harness("faults.scn");

@@ -168,6 +168,9 @@ void Modem::RunJob(Millis now) {
             case StepKind::kUrc:
                 SendLine(Expand(step.text, job.captures));
                 break;
+            case StepKind::kPart:
+                SendPart(Expand(step.text, job.captures));
+                break;
             case StepKind::kDelay: {
                 const std::int64_t ms = AmountOf(step, job.captures);
                 if (ms > 0) {
@@ -340,7 +343,15 @@ std::optional<Millis> Modem::NextDeadline() const {
 }
 
 void Modem::SendLine(std::string_view line) {
-    output_.append(kLineEnd).append(line).append(kLineEnd);
+    if (!lineOpen_) output_.append(kLineEnd);
+    output_.append(line).append(kLineEnd);
+    lineOpen_ = false;
+}
+
+void Modem::SendPart(std::string_view piece) {
+    if (!lineOpen_) output_.append(kLineEnd);
+    output_.append(piece);
+    lineOpen_ = true;
 }
 
 // Binary noise (with NUL and 0xFF, without CR or LF), then a line far longer

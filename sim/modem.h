@@ -78,6 +78,7 @@ class Modem {
     void ReleaseUnsolicited(Millis now);
     void HoldUnsolicited(std::string line);
     void SendLine(std::string_view line);
+    void SendPart(std::string_view piece);
     void SendGarbage();
     std::string Expand(const Text &text, const std::vector<std::string> &captures);
     std::int64_t AmountOf(const Step &step, const std::vector<std::string> &captures);
@@ -97,6 +98,7 @@ class Modem {
     std::optional<Millis> nextTick_;
     std::uint64_t ticks_ = 0;
     bool echo_ = false;
+    bool lineOpen_ = false;  // a part was sent: the next line or part continues it
     bool hungUp_ = false;
 };
 

@@ -139,7 +139,7 @@ class Parser {
         bool inRule;   // a statement of a rule's body
         bool inEvent;  // ... that an event's body may hold too
     };
-    static const std::array<Statement, 18> kStatements;
+    static const std::array<Statement, 19> kStatements;
 
     std::string Here() const { return here_.file + ":" + std::to_string(here_.line) + ": "; }
 
@@ -318,6 +318,7 @@ class Parser {
     }
 
     bool OnLine(std::string_view rest) { return AddTextStep(StepKind::kLine, rest, "line text"); }
+    bool OnPart(std::string_view rest) { return AddTextStep(StepKind::kPart, rest, "line text"); }
     bool OnUrc(std::string_view rest) { return AddTextStep(StepKind::kUrc, rest, "line text"); }
 
     bool OnDelay(std::string_view rest) {
@@ -403,7 +404,7 @@ class Parser {
     std::string error_;
 };
 
-const std::array<Parser::Statement, 18> Parser::kStatements = {{
+const std::array<Parser::Statement, 19> Parser::kStatements = {{
     {"include", &Parser::OnInclude, false, false},
     {"var", &Parser::OnVar, false, false},
     {"periodic", &Parser::OnPeriodic, false, false},
@@ -411,6 +412,7 @@ const std::array<Parser::Statement, 18> Parser::kStatements = {{
     {"event", &Parser::OnEvent, false, false},
     {"when", &Parser::OnWhen, true, true},
     {"line", &Parser::OnLine, true, true},
+    {"part", &Parser::OnPart, true, false},
     {"urc", &Parser::OnUrc, true, false},
     {"delay", &Parser::OnDelay, true, false},
     {"set", &Parser::OnSet, true, true},

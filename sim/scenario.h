@@ -40,6 +40,7 @@ struct Condition {
 
 enum class StepKind {
     kLine,     // information line of the reply
+    kPart,     // the start of an information line, without its end
     kUrc,      // unsolicited line inside the reply, before the final result
     kDelay,    // wait, then go on with the next step
     kSet,      // variable = text

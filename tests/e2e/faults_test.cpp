@@ -71,7 +71,7 @@ TEST_F(E2eTest, Faults_CallerSeesEachAndTheNextExchangeWorks) {
     struct Fault {
         const char *name;
         std::function<void()> provoke;  // checks what the caller sees
-        std::string logged;             // by atserver (the server started last)
+        std::string logged;             // by atserver (the server started last); empty: nothing
         size_t times;
     };
     const Fault faults[] = {
@@ -79,6 +79,13 @@ TEST_F(E2eTest, Faults_CallerSeesEachAndTheNextExchangeWorks) {
          "dropped a malformed record", 3},
         {"binary noise and an over-long line", [] { ExpectCleanReply(Send("AT+GARBAGE")); },
          "dropped an over-long modem line", 1},
+        {"lines reach atserver in pieces, split inside a quoted value",
+         [] {
+             const Exchange split = Send("AT+SPLIT");
+             EXPECT_EQ(split.retVal, AT_RET_OK);
+             EXPECT_EQ(split.text, "+SPLIT: 1,\"ab\"\r\n+SPLIT: 2");
+         },
+         "", 0},
         {"the modem never answers: the caller times out",
          [] { EXPECT_EQ(Send("AT+SILENT", 1).status, -1); }, "aborted", 1},
         {"the modem closes its port mid-reply: ERROR, nothing of the cut reply, atsim again",
@@ -134,7 +141,9 @@ TEST_F(E2eTest, Faults_CallerSeesEachAndTheNextExchangeWorks) {
         }
         EXPECT_EQ(next.text, kManufacturer) << server_->Log();
         EXPECT_TRUE(server_->Alive());
-        EXPECT_EQ(Occurrences(server_->Log(), fault.logged), fault.times) << server_->Log();
+        if (!fault.logged.empty()) {
+            EXPECT_EQ(Occurrences(server_->Log(), fault.logged), fault.times) << server_->Log();
+        }
     }
 }
 

@@ -17,6 +17,7 @@ constexpr uint32_t kMaxFieldsPerRow = 1000;
 // Trimmed ends, in this order: a value keeps the blanks inside its quotes.
 constexpr char kTrimOrder[] = {'\n', '\r', ' ', '"'};
 
+// One of kTrimOrder's characters.
 bool IsTrimmedEnd(char c) { return c == '\n' || c == '\r' || c == ' ' || c == '"'; }
 
 // The field with a leading and a trailing run of each trimmed character
@@ -44,7 +45,7 @@ class FieldCursor {
   public:
     explicit FieldCursor(std::string_view text) : next_(text.data()), end_(next_ + text.size()) {}
 
-    bool HasSlot() const { return next_ != nullptr; }
+    bool HasSlot() const { return !done_; }
 
     // Takes the next slot (HasSlot() must hold): true with its field,
     // untrimmed, or false when the slot holds none.
@@ -61,7 +62,7 @@ class FieldCursor {
                 return true;
             }
         }
-        next_ = nullptr;
+        done_ = true;
         *field = std::string_view(start, static_cast<size_t>(end_ - start));
         return !quoted;
     }
@@ -77,8 +78,9 @@ class FieldCursor {
     }
 
   private:
-    const char *next_;  // null once every slot is taken
+    const char *next_;
     const char *end_;
+    bool done_ = false;  // every slot taken
 };
 
 // A heap copy of the trimmed field through *slot, when the cursor still has

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "platform/bounded.h"
 #include "platform/secure_wipe.h"
 
 namespace atapi {
@@ -81,7 +82,7 @@ AtCmdParseNode *AtParseNewNode() {
 ParseText ParseText::Copy(std::string_view text) {
     ParseText buffer(text.size() + 1);
     if (buffer.Get() != nullptr && !text.empty()) {
-        std::memcpy(buffer.Get(), text.data(), text.size());
+        memcpy_s(buffer.Get(), buffer.Size(), text.data(), text.size());
     }
     return buffer;
 }

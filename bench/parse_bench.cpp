@@ -1,6 +1,7 @@
 // Cost of turning replies into rows: nanoseconds and heap blocks per reply,
-// over one synthetic reply per handler-table row and mode, and over a few
-// realistic replies (a multi-row PDP context list among them).
+// over one synthetic reply per handler-table row and mode, over the reply set
+// of parse_reply_set.h (parse, read every field, free) and over a few single
+// replies (a multi-row PDP context list among them).
 #include <benchmark/benchmark.h>
 
 #include <cstring>
@@ -11,6 +12,7 @@
 #include "atapi/at_parse.h"
 #include "parse/at_parse_alloc.h"
 #include "parse/handler_tables.h"
+#include "parse_reply_set.h"
 
 namespace {
 
@@ -134,6 +136,27 @@ void BM_EveryTableRow(benchmark::State &state) {
     RunCorpus(state, corpus);
 }
 BENCHMARK(BM_EveryTableRow);
+
+void BM_ReplySet(benchmark::State &state) {
+    const size_t fields = atapi::bench::CheckedSetFields();
+    char work[AT_REPORT_STR_LEN];
+    size_t bytes = 0;
+    AllocCounter allocs;
+    for (auto _ : state) {
+        for (const atapi::bench::SetReply &reply : atapi::bench::kReplySet) {
+            atapi::bench::ParseReadFree(reply, work, sizeof(work), &bytes);
+        }
+    }
+    benchmark::DoNotOptimize(bytes);
+    const double passes = static_cast<double>(state.iterations());
+    const double replies = passes * atapi::bench::kReplySetSize;
+    state.SetItemsProcessed(static_cast<int64_t>(replies));
+    state.counters["time_per_reply"] =
+        benchmark::Counter(replies, benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+    state.counters["allocs_per_reply"] = static_cast<double>(allocs.Count()) / replies;
+    state.counters["allocs_per_field"] = static_cast<double>(allocs.Count()) / (passes * fields);
+}
+BENCHMARK(BM_ReplySet);
 
 void BM_Reply(benchmark::State &state, Reply reply) { RunCorpus(state, {reply}); }
 BENCHMARK_CAPTURE(BM_Reply, cpin_ready, Reply{"+CPIN", 2, AT_PARSE_QUERY, "+CPIN: READY"});

@@ -3,38 +3,38 @@
 #include "atapi/at_parse.h"
 
 #include <cstring>
+#include <string_view>
 
 #include "link/at_log.h"
 #include "parse/at_parse_alloc.h"
+#include "parse/at_parse_fields.h"
 #include "parse/at_parse_rows.h"
 
 namespace {
 
 constexpr char kTraceSrc[] = "atapi/src/at_parse";
 
-// Parses the rows of reply (a work copy) behind its first ':' with the field
-// names behind the template's first ':'. Rows are appended to *out.
-int32_t ParseEveryRow(AtCmdParseNode **out, const char *names, char *reply, const char *prefix) {
-    char *colon = std::strchr(reply, ':');
-    char *cursor = colon + 1;
-    bool haveRow = false;
+// Parses the rows of reply behind its first ':' with the field names behind
+// the template's first ':'. Rows are appended to *out, which is null. The
+// reply is read in place: each row is the span up to the next prefix.
+int32_t ParseEveryRow(AtCmdParseNode **out, std::string_view names, const char *reply,
+                      const char *prefix) {
+    const char *cursor = std::strchr(reply, ':') + 1;
+    AtCmdParseNode **tail = out;
     for (;;) {
         // A row ends where the next prefix occurrence starts, even inside a value.
-        char *next = std::strstr(cursor, prefix);
-        char saved = '\0';
-        if (next != nullptr) {
-            saved = *next;
-            *next = '\0';
-        }
+        const char *next = std::strstr(cursor, prefix);
+        const std::string_view values =
+            next != nullptr ? std::string_view(cursor, static_cast<size_t>(next - cursor))
+                            : std::string_view(cursor);
         AtCmdParseNode *row = nullptr;
-        const int32_t status = ParseField(&row, names, cursor);
-        if (status != AT_PARSE_OK) return haveRow ? AT_PARSE_OK : status;
-        AddLinkNode(out, row);
-        haveRow = true;
+        const int32_t status = atapi::ParseFieldSpans(&row, names, values);
+        if (status != AT_PARSE_OK) return tail != out ? AT_PARSE_OK : status;
+        *tail = row;
+        tail = &row->nextRow;
         if (next == nullptr) return AT_PARSE_OK;
-        *next = saved;
         // Values may hold ':'; only a prefix occurrence moves the cursor.
-        colon = std::strchr(next, ':');
+        const char *colon = std::strchr(next, ':');
         if (colon == nullptr) return AT_PARSE_OK;
         cursor = colon + 1;
     }
@@ -48,18 +48,15 @@ int32_t ParseCommonAtStr(AtCmdParseNode **out, const char *atTemplate, char *rep
                          const char *prefix) {
     if (out == nullptr || reply == nullptr || prefix == nullptr) return AT_PARSE_BAD_ARG;
     if (atTemplate == nullptr) return AT_PARSE_NO_TEMPLATE;
-    atapi::ParseText templateCopy = atapi::ParseText::Copy(atTemplate);
-    atapi::ParseText replyCopy = atapi::ParseText::Copy(reply);
-    if (templateCopy.Get() == nullptr || replyCopy.Get() == nullptr) return AT_PARSE_BAD_ARG;
 
     // A reply without the prefix, or either text without ':', is not an
     // error: the caller learns that the line came, and gets no rows.
-    if (std::strstr(replyCopy.Get(), prefix) == nullptr) return AT_PARSE_OK;
-    const char *namesColon = std::strchr(templateCopy.Get(), ':');
-    if (namesColon == nullptr || std::strchr(replyCopy.Get(), ':') == nullptr) return AT_PARSE_OK;
+    if (std::strstr(reply, prefix) == nullptr) return AT_PARSE_OK;
+    const char *namesColon = std::strchr(atTemplate, ':');
+    if (namesColon == nullptr || std::strchr(reply, ':') == nullptr) return AT_PARSE_OK;
 
     *out = nullptr;
-    return ParseEveryRow(out, namesColon + 1, replyCopy.Get(), prefix);
+    return ParseEveryRow(out, namesColon + 1, reply, prefix);
 }
 
 int32_t ParseSoftStr(AtCmdParseNode **out, const char *atTemplate, char *reply,
@@ -94,14 +91,11 @@ int32_t ParseNdisStateQueryAtStr(AtCmdParseNode **out, const char *atTemplate, c
     char *occurrence = std::strstr(reply, prefix);
     if (occurrence == nullptr) return AT_PARSE_BAD_ARG;
 
-    atapi::ParseText templateCopy = atapi::ParseText::Copy(atTemplate);
-    if (templateCopy.Get() == nullptr) return AT_PARSE_BAD_ARG;
-    char *namesOpen = std::strchr(templateCopy.Get(), '(');
-    char *namesClose = namesOpen != nullptr ? std::strchr(namesOpen, ')') : nullptr;
+    const char *namesOpen = std::strchr(atTemplate, '(');
+    const char *namesClose = namesOpen != nullptr ? std::strchr(namesOpen, ')') : nullptr;
     char *valuesOpen = std::strchr(occurrence, '(');
     char *valuesClose = valuesOpen != nullptr ? std::strchr(valuesOpen, ')') : nullptr;
     if (namesClose == nullptr || valuesClose == nullptr) return AT_PARSE_BAD_ARG;
-    *namesClose = '\0';
     *valuesClose = '\0';
 
     AtCmdParseNode *header = atapi::AtParseNewNode();
@@ -109,7 +103,8 @@ int32_t ParseNdisStateQueryAtStr(AtCmdParseNode **out, const char *atTemplate, c
     atapi::ParseRows row(header);
     header->atFieldName = atapi::AtParseStrDup("cid");
     if (header->atFieldName == nullptr) return AT_PARSE_BAD_ARG;
-    if (ParseField(&header->nextField, namesOpen + 1, valuesOpen + 1) != AT_PARSE_OK) {
+    const std::string_view names(namesOpen + 1, static_cast<size_t>(namesClose - namesOpen - 1));
+    if (atapi::ParseFieldSpans(&header->nextField, names, valuesOpen + 1) != AT_PARSE_OK) {
         return AT_PARSE_BAD_ARG;
     }
     *out = row.Release();

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "platform/bounded.h"
+#include "platform/secure_wipe.h"
 
 namespace atapi {
 namespace {
@@ -19,6 +20,19 @@ bool HookFailsRequest() {
     return g_hooks.failAt != 0 && g_requestCount == g_hooks.failAt;
 }
 
+// A block of bytes (not 0) that the caller fills entirely; null when the
+// allocation failed. malloc serves small blocks from its per-thread cache,
+// where calloc takes the slower general path.
+void *AllocateBlock(size_t bytes) {
+    const bool hooked = g_hooksInstalled.load(std::memory_order_acquire);
+    if (hooked && HookFailsRequest()) return nullptr;
+    void *block = std::malloc(bytes);
+    if (block != nullptr && hooked && g_hooks.onAlloc != nullptr) {
+        g_hooks.onAlloc(g_hooks.ctx, block, bytes);
+    }
+    return block;
+}
+
 }  // namespace
 
 void AtParseSetAllocHooks(const AtParseAllocHooks *hooks) {
@@ -30,18 +44,14 @@ void AtParseSetAllocHooks(const AtParseAllocHooks *hooks) {
 
 void *AtParseAlloc(size_t bytes) {
     if (bytes == 0) return nullptr;
-    const bool hooked = g_hooksInstalled.load(std::memory_order_acquire);
-    if (hooked && HookFailsRequest()) return nullptr;
-    void *block = std::calloc(1, bytes);
-    if (block != nullptr && hooked && g_hooks.onAlloc != nullptr) {
-        g_hooks.onAlloc(g_hooks.ctx, block, bytes);
-    }
+    void *block = AllocateBlock(bytes);
+    if (block != nullptr) std::memset(block, 0, bytes);
     return block;
 }
 
 void AtParseRelease(void *block, size_t bytes) {
     if (block == nullptr) return;
-    if (bytes != 0) memset_s(block, bytes, 0, bytes);
+    if (bytes != 0) platform::SecureWipe(block, bytes);
     if (g_hooksInstalled.load(std::memory_order_acquire) && g_hooks.onFree != nullptr) {
         g_hooks.onFree(g_hooks.ctx, block);
     }
@@ -54,13 +64,19 @@ void AtParseFreeString(char *text) {
 }
 
 char *AtParseStrDup(std::string_view text) {
-    auto *copy = static_cast<char *>(AtParseAlloc(text.size() + 1));
-    if (copy != nullptr && !text.empty()) memcpy_s(copy, text.size() + 1, text.data(), text.size());
+    auto *copy = static_cast<char *>(AllocateBlock(text.size() + 1));
+    if (copy == nullptr) return nullptr;
+    // The block is exactly the text and its terminator: nothing is left
+    // behind the terminator for the wipe over its length to miss.
+    if (!text.empty()) std::memcpy(copy, text.data(), text.size());
+    copy[text.size()] = '\0';
     return copy;
 }
 
 AtCmdParseNode *AtParseNewNode() {
-    return static_cast<AtCmdParseNode *>(AtParseAlloc(sizeof(AtCmdParseNode)));
+    auto *node = static_cast<AtCmdParseNode *>(AllocateBlock(sizeof(AtCmdParseNode)));
+    if (node != nullptr) *node = AtCmdParseNode{};
+    return node;
 }
 
 ParseText ParseText::Copy(std::string_view text) {

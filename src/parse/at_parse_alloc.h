@@ -1,7 +1,7 @@
 // Heap blocks of the parse layer: node strings, nodes, split arrays and work
-// copies all come from AtParseAlloc and go back through AtParseRelease, so
-// that one seam sees every block (tests use it to prove that blocks are wiped
-// before they are freed, to count allocations and to fail them).
+// copies all come from this seam (AtParseAlloc, AtParseStrDup, AtParseNewNode)
+// and go back through AtParseRelease, so that one seam sees every block (tests use it to prove that
+// blocks are wiped before they are freed, to count allocations and to fail them).
 #pragma once
 
 #include <cstddef>
@@ -27,7 +27,8 @@ void AtParseRelease(void *block, size_t bytes);
 // when it trims in place), so this clears the whole block.
 void AtParseFreeString(char *text);
 
-// A NUL-terminated heap copy of text; null when the allocation failed.
+// A NUL-terminated heap copy of text in a block of exactly its size (not
+// zero-filled first: the copy fills it); null when the allocation failed.
 char *AtParseStrDup(std::string_view text);
 
 // A zeroed node; null when the allocation failed.

@@ -23,7 +23,13 @@ const AtParseHandler *FindModuleTable(int32_t moduleId) {
 
 const AtParseHandler *FindHandler(const AtParseHandler *table, const char *atName) {
     for (const AtParseHandler *entry = table; entry->atName != nullptr; ++entry) {
-        if (std::strcmp(entry->atName, atName) == 0) return entry;
+        // Most prefixes share their first character ('+' or '^'): the
+        // second one settles most rows without a call.
+        if (entry->atName[0] == atName[0] &&
+            (atName[0] == '\0' ||
+             (entry->atName[1] == atName[1] && std::strcmp(entry->atName, atName) == 0))) {
+            return entry;
+        }
     }
     return nullptr;
 }

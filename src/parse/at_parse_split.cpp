@@ -1,12 +1,11 @@
 // Splitting a names text and a values text into one row of nodes.
 #include <algorithm>
-#include <cstring>
+#include <string_view>
 
 #include "atapi/at_parse.h"
-#include "atapi/at_text.h"
 #include "link/at_log.h"
 #include "parse/at_parse_alloc.h"
-#include "platform/bounded.h"
+#include "parse/at_parse_fields.h"
 
 namespace {
 
@@ -18,17 +17,80 @@ constexpr uint32_t kMaxFieldsPerRow = 1000;
 // Trimmed ends, in this order: a value keeps the blanks inside its quotes.
 constexpr char kTrimOrder[] = {'\n', '\r', ' ', '"'};
 
-// A heap copy of one field, trimmed at both ends. Whatever trimming moved
-// out of the text is zeroed, so that wiping the string over its length
-// clears the whole block.
-char *TrimmedFieldCopy(const char *field, size_t len) {
-    char *piece = atapi::AtParseStrDup(std::string_view(field, len));
-    if (piece == nullptr) return nullptr;
-    const size_t blockSize = len + 1;
-    for (char ch : kTrimOrder) SplitSpace(piece, static_cast<uint32_t>(blockSize), ch);
-    const size_t kept = std::strlen(piece);
-    if (kept < len) memset_s(piece + kept, blockSize - kept, 0, blockSize - kept);
-    return piece;
+// One of kTrimOrder's characters.
+bool IsTrimmedEnd(char c) { return c == '\n' || c == '\r' || c == ' ' || c == '"'; }
+
+// The field with a leading and a trailing run of each trimmed character
+// removed, one character after the other.
+std::string_view Trimmed(std::string_view field) {
+    if (field.empty() || (!IsTrimmedEnd(field.front()) && !IsTrimmedEnd(field.back()))) {
+        return field;
+    }
+    for (char ch : kTrimOrder) {
+        if (field.empty()) break;
+        if (field.front() != ch && field.back() != ch) continue;
+        size_t start = 0;
+        while (start < field.size() && field[start] == ch) ++start;
+        size_t end = field.size();
+        while (end > start && field[end - 1] == ch) --end;
+        field = field.substr(start, end - start);
+    }
+    return field;
+}
+
+// The comma-separated fields of a text, one slot per comma outside double
+// quotes plus one: a '"' toggles the quoted state, and a last field that ends
+// inside an unclosed quote is lost (its slot holds no field).
+class FieldCursor {
+  public:
+    explicit FieldCursor(std::string_view text) : next_(text.data()), end_(next_ + text.size()) {}
+
+    bool HasSlot() const { return !done_; }
+
+    // Takes the next slot (HasSlot() must hold): true with its field,
+    // untrimmed, or false when the slot holds none.
+    bool Next(std::string_view *field) {
+        const char *start = next_;
+        bool quoted = false;
+        for (const char *p = start; p != end_; ++p) {
+            if (*p > ',') continue;  // digits and letters, most of a reply
+            if (*p == '"') {
+                quoted = !quoted;
+            } else if (*p == ',' && !quoted) {
+                *field = std::string_view(start, static_cast<size_t>(p - start));
+                next_ = p + 1;
+                return true;
+            }
+        }
+        done_ = true;
+        *field = std::string_view(start, static_cast<size_t>(end_ - start));
+        return !quoted;
+    }
+
+    // The slots not taken yet.
+    uint32_t SlotsLeft() const {
+        uint32_t slots = 0;
+        for (FieldCursor rest = *this; rest.HasSlot(); ++slots) {
+            std::string_view ignored;
+            rest.Next(&ignored);
+        }
+        return slots;
+    }
+
+  private:
+    const char *next_;
+    const char *end_;
+    bool done_ = false;  // every slot taken
+};
+
+// A heap copy of the trimmed field through *slot, when the cursor still has
+// a slot that holds a field; *slot stays null otherwise. False when the copy
+// could not be allocated.
+bool TakeField(FieldCursor *cursor, char **slot) {
+    std::string_view field;
+    if (!cursor->HasSlot() || !cursor->Next(&field)) return true;
+    *slot = atapi::AtParseStrDup(Trimmed(field));
+    return *slot != nullptr;
 }
 
 void ReleasePieces(char **pieces, uint32_t count) {
@@ -38,37 +100,59 @@ void ReleasePieces(char **pieces, uint32_t count) {
     }
 }
 
-uint32_t FieldCount(const char *text) {
-    return 1U + static_cast<uint32_t>(std::max(AtCountSeparator(text, ','), 0));
+}  // namespace
+
+namespace atapi {
+
+int32_t ParseFieldSpans(AtCmdParseNode **out, std::string_view names, std::string_view values) {
+    FieldCursor nameCursor(names);
+    FieldCursor valueCursor(values);
+    AtCmdParseNode *first = nullptr;
+    AtCmdParseNode **link = &first;
+    // A row is as long as the longer of its two texts: a field missing on
+    // either side is a null name or a null value.
+    for (uint32_t count = 0; nameCursor.HasSlot() || valueCursor.HasSlot(); ++count) {
+        if (count == kMaxFieldsPerRow) {
+            const uint32_t fields =
+                count + std::max(nameCursor.SlotsLeft(), valueCursor.SlotsLeft());
+            AT_LOG_ERR("the modeNumber out of range, modeNumber is %d\n", static_cast<int>(fields));
+            FreeAtCmd(first);
+            return AT_PARSE_BAD_ARG;
+        }
+        AtCmdParseNode *node = AtParseNewNode();
+        if (node == nullptr) {
+            AT_LOG_ERR("malloc failed\n");
+            FreeAtCmd(first);
+            return AT_PARSE_BAD_ARG;
+        }
+        *link = node;
+        link = &node->nextField;
+        if (!TakeField(&nameCursor, &node->atFieldName) ||
+            !TakeField(&valueCursor, &node->atFieldValue)) {
+            FreeAtCmd(first);
+            return AT_PARSE_NO_ENTRY;
+        }
+    }
+    *out = first;
+    return AT_PARSE_OK;
 }
 
-}  // namespace
+}  // namespace atapi
 
 extern "C" {
 
 int32_t AtConstParse(char **pieces, uint32_t capacity, const char *text, uint32_t *outCount) {
     if (pieces == nullptr || text == nullptr || outCount == nullptr) return AT_PARSE_NO_ENTRY;
-    // The appended comma closes the last field; inside an unclosed quote it
-    // does not, and the last field is lost.
-    const size_t len = std::strlen(text);
-    atapi::ParseText work(len + 2);
-    if (work.Get() == nullptr) return AT_PARSE_NO_MEMORY;
-    if (sprintf_s(work.Get(), work.Size(), "%s,", text) < 0) return AT_PARSE_NO_ENTRY;
-
     uint32_t stored = 0;
-    bool inQuotes = false;
-    const char *fieldStart = work.Get();
-    for (const char *p = work.Get(); *p != '\0'; ++p) {
-        if (*p == '"') inQuotes = !inQuotes;
-        if (*p != ',' || inQuotes) continue;
-        if (stored == capacity) break;
-        char *piece = TrimmedFieldCopy(fieldStart, static_cast<size_t>(p - fieldStart));
+    FieldCursor cursor(text);
+    std::string_view field;
+    while (stored < capacity && cursor.HasSlot() && cursor.Next(&field)) {
+        char *piece = atapi::AtParseStrDup(Trimmed(field));
         if (piece == nullptr) {
             ReleasePieces(pieces, stored);
             return AT_PARSE_NO_ENTRY;
         }
         pieces[stored++] = piece;
-        fieldStart = p + 1;
     }
     *outCount = stored;
     return AT_PARSE_OK;
@@ -111,22 +195,7 @@ int32_t ParseField(AtCmdParseNode **out, const char *names, const char *values) 
         AT_LOG_ERR("the atValueStr or result is NULL\n");
         return AT_PARSE_BAD_ARG;
     }
-    const uint32_t count = std::max(FieldCount(names), FieldCount(values));
-    atapi::ParseStringArray nameArray(count);
-    atapi::ParseStringArray valueArray(count);
-    if (nameArray.Get() == nullptr || valueArray.Get() == nullptr) return AT_PARSE_NO_MEMORY;
-
-    uint32_t stored = 0;
-    int32_t status = AtConstParse(nameArray.Get(), count, names, &stored);
-    if (status == AT_PARSE_OK) status = AtConstParse(valueArray.Get(), count, values, &stored);
-    if (status != AT_PARSE_OK) return status;
-
-    AtCmdParseNode *row = GreatLinkListAt(nameArray.Get(), valueArray.Get(), count);
-    if (row == nullptr) return AT_PARSE_BAD_ARG;
-    nameArray.DisownStrings();
-    valueArray.DisownStrings();
-    *out = row;
-    return AT_PARSE_OK;
+    return atapi::ParseFieldSpans(out, names, values);
 }
 
 }  // extern "C"

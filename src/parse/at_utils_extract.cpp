@@ -82,7 +82,10 @@ void AtParseNode(const AtCmdParseNode *node, const AtParamDesc *params, uint32_t
     if (param->type == AT_TYPE_STRING) {
         // Truncation is accepted: the record's field is as long as it is.
         if (param->size > 1) {
-            snprintf_s(static_cast<char *>(param->dest), param->size, param->size - 1, "%s", value);
+            const size_t kept = strnlen(value, param->size - 1);
+            auto *dest = static_cast<char *>(param->dest);
+            memcpy_s(dest, param->size, value, kept);
+            dest[kept] = '\0';
         }
         return;
     }

@@ -6,6 +6,8 @@
 #include <cstdio>
 #include <cstring>
 
+#include "platform/secure_wipe.h"
+
 namespace {
 
 // Upper bound on any destination we accept: catches negative lengths cast to size_t.
@@ -38,8 +40,7 @@ errno_t memcpy_s(void *dest, size_t destMax, const void *src, size_t count) {
 errno_t memset_s(void *dest, size_t destMax, int c, size_t count) {
     if (BadDest(dest, destMax)) return EINVAL;
     const size_t n = count > destMax ? destMax : count;
-    auto *p = static_cast<volatile unsigned char *>(dest);
-    for (size_t i = 0; i < n; ++i) p[i] = static_cast<unsigned char>(c);
+    platform::SecureWipe(dest, n, c);
     return count > destMax ? ERANGE : 0;
 }
 

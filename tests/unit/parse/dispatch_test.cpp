@@ -28,7 +28,6 @@ TEST(ParseAtCmdFunc, Codes) {
         {"PrefixOfAnotherModule", "+CPMS", "+CPMS: 1", true, 1, AT_PARSE_QUERY, AT_PARSE_NO_ENTRY},
         {"PrefixIsCaseSensitive", "+creg", "+creg: 1", true, 1, AT_PARSE_QUERY, AT_PARSE_NO_ENTRY},
         {"ModeFour", "^CPIN", "^CPIN: READY", true, 2, 4, AT_PARSE_BAD_MODE},
-        {"ModeHuge", "^CPIN", "^CPIN: READY", true, 2, UINT32_MAX, AT_PARSE_BAD_MODE},
         {"ModeWithoutRoutine", "+CREG", "+CREG: 1", true, 1, AT_PARSE_REPORT, AT_PARSE_BAD_MODE},
         // The routine is set but the template is not: the routine says so.
         {"ModeWithoutTemplate", "+COPS", "+COPS: 0", true, 1, AT_PARSE_SET, AT_PARSE_NO_TEMPLATE},

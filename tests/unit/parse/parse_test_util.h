@@ -123,6 +123,8 @@ class AllocTracker {
 
     size_t Live() const { return live_.size(); }
     uint64_t Allocations() const { return allocations_; }
+    // The size of every allocation, in order.
+    const std::vector<size_t> &Sizes() const { return sizes_; }
     // Freed blocks that still held data, with the bytes they held.
     const std::vector<std::string> &UnwipedFrees() const { return unwiped_; }
 
@@ -136,6 +138,7 @@ class AllocTracker {
     static void OnAlloc(void *ctx, void *block, size_t bytes) {
         auto *self = static_cast<AllocTracker *>(ctx);
         ++self->allocations_;
+        self->sizes_.push_back(bytes);
         self->live_[block] = bytes;
     }
     static void OnFree(void *ctx, void *block) {
@@ -154,6 +157,7 @@ class AllocTracker {
 
     std::map<void *, size_t> live_;
     uint64_t allocations_ = 0;
+    std::vector<size_t> sizes_;
     std::vector<std::string> unwiped_;
 };
 

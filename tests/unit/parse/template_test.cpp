@@ -11,6 +11,9 @@
 namespace atapi::test {
 namespace {
 
+// "+X:" and 1001 names: a row as long as its template is refused too.
+const std::string k1001Names = "+X:" + CountedList(1001);
+
 // "+X: 0,1,...,999" against "+X:a": the first value is named, the rest not.
 Rows ThousandFields() {
     Row row{{"a", "0"}};
@@ -57,12 +60,13 @@ const ParseCase kCommonCases[] = {
     {"LaterPrefixWithoutColonEndsRows", ParseCommonAtStr, "+CPIN:code", "+CPIN: READY\r\n+CPIN",
      "+CPIN", 0, OneRow({{"code", "READY"}})},
     // Nothing to parse is status 0 without rows: callers test the result.
-    {"ReplyWithoutPrefix", ParseCommonAtStr, "^CPIN:code", "+CPIN: READY", "^CPIN", 0, kNoRows},
     {"ReplyWithoutColon", ParseCommonAtStr, "+CPIN:code", "+CPIN READY", "+CPIN", 0, kNoRows},
     {"TemplateWithoutColon", ParseCommonAtStr, "RING", "RING", "RING", 0, kNoRows},
     {"ThousandFields", ParseCommonAtStr, "+X:a", "+X: " + CountedList(1000), "+X", 0,
      ThousandFields()},
     {"FirstRowOf1001FieldsFails", ParseCommonAtStr, "+X:a", "+X: " + CountedList(1001), "+X",
+     AT_PARSE_BAD_ARG, kNoRows},
+    {"FirstRowOf1001NamesFails", ParseCommonAtStr, k1001Names.c_str(), "+X: 7", "+X",
      AT_PARSE_BAD_ARG, kNoRows},
     {"LaterRowOf1001FieldsDropped", ParseCommonAtStr, "+X:a",
      "+X: 7\r\n+X: " + CountedList(1001) + "\r\n+X: 8", "+X", 0, OneRow({{"a", "7"}})},
@@ -108,7 +112,8 @@ TEST(AtConstParse, SplitsOutsideQuotesAndTrims) {
         {"a\n\r", 8, {"a\n"}},
         {" \" x \" ", 8, {" x "}},
         {"\"say \"hi\"\"", 8, {"say \"hi"}},
-        {"\"", 8, {}},  // an unclosed quote swallows the last field
+        {"\"x\"y", 8, {"x\"y"}},  // only one end to trim
+        {"\"", 8, {}},            // an unclosed quote swallows the last field
     };
     for (const Case &c : cases) {
         char *pieces[8] = {};

@@ -1,0 +1,234 @@
+// Drives the library's secret-bearing paths with the planted secrets, for
+// the freed-block scan that watches this process:
+//   secret_driver parse   parse routines over replies that carry a secret
+//   secret_driver send    every secret-bearing command function, through the
+//                         atserver of $ATAPI_ROOT (scenario: secrets.scn)
+//   secret_driver leak    frees one unwiped copy of a secret: the scan's own
+//                         proof that it sees what it should
+// Exits 0 when every step gave its expected result; each failed step is
+// named on stderr (never with its secret).
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string_view>
+
+#include "api/command_description.h"
+#include "atapi/at_parse.h"
+#include "atapi/ats_ndis.h"
+#include "atapi/ats_security.h"
+#include "planted_secrets.h"
+#include "platform/bounded.h"
+
+namespace {
+
+using namespace atapi::secrets;
+namespace module = atapi::api::module;
+
+constexpr char kUser[] = "e2e-user";
+
+template <typename Record>
+void Wipe(Record *record) {
+    memset_s(record, sizeof *record, 0, sizeof *record);
+}
+
+// ---- parse ------------------------------------------------------------------
+
+struct ParseCase {
+    const char *prefix;
+    int32_t moduleId;
+    uint32_t mode;
+    const char *reply;  // "%s" stands for the secret
+    const char *secret;
+};
+
+const ParseCase kParseCases[] = {
+    {"^AUTHDATA", module::kAuthData, 0,
+     "^AUTHDATA: 1,1,\"%s\",\"e2e-user\",\"\"\r\n^AUTHDATA: 2,0,\"\",\"\",\"\"", kPassword},
+    {"^NDISDUP", module::kNdisEx, 0, "^NDISDUP: 1,1,\"internet\",\"e2e-user\",\"%s\",1", kPassword},
+    {"^HFOTA", module::kReport, 3, "^HFOTA: 1,\"fota\",\"e2e-user\",\"%s\",1,\"IP\",0", kPin},
+};
+
+// True when some field of the result's first row holds exactly secret: the
+// secret went through the parser, not around it.
+bool FirstRowHolds(const AtCmdParseNode *row, const char *secret) {
+    for (const AtCmdParseNode *node = row; node != nullptr; node = node->nextField) {
+        if (node->atFieldValue != nullptr && std::strcmp(node->atFieldValue, secret) == 0) {
+            return true;
+        }
+    }
+    return false;
+}
+
+bool RunParseCase(const ParseCase &c) {
+    char reply[512];
+    bool ok = snprintf_s(reply, sizeof reply, sizeof reply - 1, c.reply, c.secret) > 0;
+    AtCmdParseNode *rows = nullptr;
+    ok = ok && ParseAtCmdFunc(&rows, c.prefix, reply, c.moduleId, c.mode) == 0 &&
+         FirstRowHolds(rows, c.secret);
+    FreeAtCmd(rows);
+    memset_s(reply, sizeof reply, 0, sizeof reply);
+    return ok;
+}
+
+// The multi-line split hands out one heap piece per line.
+bool RunSplit() {
+    char text[256];
+    bool ok = snprintf_s(text, sizeof text, sizeof text - 1,
+                         "^AUTHDATA: 1,1,\"%s\",\"\",\"\"\r\n^AUTHDATA: 2,1,\"%s\",\"\",\"\"",
+                         kPassword, kPin) > 0;
+    char *pieces[4] = {};
+    int32_t count = 4;
+    if (ok) GetSubstring(text, pieces, &count, "^AUTHDATA");
+    ok = ok && count == 2 && std::strstr(pieces[0], kPassword) != nullptr &&
+         std::strstr(pieces[1], kPin) != nullptr;
+    ReleaseSubstring(pieces, count);
+    memset_s(text, sizeof text, 0, sizeof text);
+    return ok;
+}
+
+int Parse() {
+    int failures = 0;
+    for (const ParseCase &c : kParseCases) {
+        if (!RunParseCase(c)) {
+            std::fprintf(stderr, "parse %s: no field holds the secret\n", c.prefix);
+            ++failures;
+        }
+    }
+    if (!RunSplit()) {
+        std::fprintf(stderr, "split: the pieces lost their secrets\n");
+        ++failures;
+    }
+    return failures == 0 ? 0 : 1;
+}
+
+// ---- send -------------------------------------------------------------------
+
+struct Outcome {
+    int32_t result;
+    int32_t errorId;
+};
+
+// The steps run in order against secrets.scn: a wrong PIN, the PIN (^CPIN),
+// a lock set with it, a PIN change, a PUK with a new PIN on a card that
+// needs none, the unlock code, authentication data written and read back,
+// and a dial-up with a password, then down.
+Outcome WrongPin() {
+    CpinInfo r{};
+    return {AtPinManagement(1, kWrongPin, "", &r), r.errorId};
+}
+
+Outcome RightPin() {
+    CpinExInfo r{};
+    return {AtPinManagementEx(1, kPin, nullptr, &r), r.errorId};
+}
+
+Outcome LockWithPin() {
+    ClckRequest q{"SC", "1", kPin};
+    ClckResult r{};
+    return {AtPinEnableDisableCmd(1, &q, &r), r.errorId};
+}
+
+Outcome ChangePin() {
+    int32_t errorId = 0;
+    return {AtPinModify("SC", kPin, kNewPin, &errorId), errorId};
+}
+
+Outcome PukAndNewPin() {
+    CpinInfo r{};
+    return {AtPinManagement(1, kPuk, kNewPin, &r), r.errorId};
+}
+
+Outcome UnlockCard() {
+    CardLockInfo r{};
+    return {AtSimLock(1, kUnlockCode, &r), r.errorId};
+}
+
+Outcome WriteAuthData() {
+    AuthDataInfo a{};
+    a.cid = 1;
+    a.authType = 1;
+    std::strcpy(a.passwd, kPassword);
+    std::strcpy(a.username, kUser);
+    const Outcome outcome{AtAuthDataHandler(&a), a.errorId};
+    Wipe(&a);
+    return outcome;
+}
+
+// The password comes back in a reply: through atserver and the parser.
+Outcome ReadAuthData() {
+    AuthDataInfo a{};
+    Outcome outcome{AtGetAuthDataByCid(&a, 1), a.errorId};
+    if (outcome.result == 0 && std::strcmp(a.passwd, kPassword) != 0) outcome.result = -100;
+    Wipe(&a);
+    return outcome;
+}
+
+Outcome DialUp(int32_t connect) {
+    NdisDupProfile p{};
+    p.apnIsStatic = 1;
+    std::strcpy(p.apn, "internet");
+    std::strcpy(p.username, kUser);
+    std::strcpy(p.passwd, kPassword);
+    p.authType = '1';
+    const Outcome outcome{AtNdisDup(1, connect, &p), p.errorId};
+    Wipe(&p);
+    return outcome;
+}
+
+Outcome DialUpOn() { return DialUp(1); }
+Outcome DialUpOff() { return DialUp(0); }
+
+struct SendStep {
+    const char *what;
+    Outcome (*run)();
+    Outcome expected;
+};
+
+const SendStep kSendSteps[] = {
+    {"+CPIN, wrong PIN", WrongPin, {0, AT_RET_CME_ERROR}},
+    {"^CPIN, PIN", RightPin, {0, AT_ERRID_OK}},
+    {"+CLCK with the PIN", LockWithPin, {0, AT_ERRID_OK}},
+    {"+CPWD", ChangePin, {0, AT_ERRID_OK}},
+    {"+CPIN, PUK and new PIN", PukAndNewPin, {0, AT_RET_CME_ERROR}},
+    {"^CARDLOCK", UnlockCard, {0, AT_ERRID_OK}},
+    {"^AUTHDATA set", WriteAuthData, {0, AT_ERRID_OK}},
+    {"^AUTHDATA query", ReadAuthData, {0, AT_ERRID_OK}},
+    {"^NDISDUP up", DialUpOn, {0, AT_ERRID_OK}},
+    {"^NDISDUP down", DialUpOff, {0, AT_ERRID_OK}},
+};
+
+int Send() {
+    int failures = 0;
+    for (const SendStep &step : kSendSteps) {
+        const Outcome got = step.run();
+        if (got.result == step.expected.result && got.errorId == step.expected.errorId) continue;
+        std::fprintf(stderr, "%s: result %d, error id %d (expected %d, %d)\n", step.what,
+                     got.result, got.errorId, step.expected.result, step.expected.errorId);
+        ++failures;
+    }
+    return failures == 0 ? 0 : 1;
+}
+
+// ---- leak -------------------------------------------------------------------
+
+// Kept where the compiler cannot see it unused, so that the copy is made.
+char *volatile g_leaked = nullptr;
+
+int Leak() {
+    g_leaked = static_cast<char *>(std::malloc(sizeof kPin));
+    if (g_leaked == nullptr) return 1;
+    std::memcpy(g_leaked, kPin, sizeof kPin);
+    std::free(g_leaked);
+    return 0;
+}
+
+}  // namespace
+
+int main(int argc, char **argv) {
+    const std::string_view mode = argc == 2 ? argv[1] : "";
+    if (mode == "parse") return Parse();
+    if (mode == "send") return Send();
+    if (mode == "leak") return Leak();
+    std::fprintf(stderr, "usage: secret_driver parse|send|leak\n");
+    return 64;
+}

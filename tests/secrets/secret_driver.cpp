@@ -192,7 +192,7 @@ const SendStep kSendSteps[] = {
     {"+CPIN, PUK and new PIN", PukAndNewPin, {0, AT_RET_CME_ERROR}},
     {"^CARDLOCK", UnlockCard, {0, AT_ERRID_OK}},
     {"^AUTHDATA set", WriteAuthData, {0, AT_ERRID_OK}},
-    {"^AUTHDATA query", ReadAuthData, {0, AT_ERRID_OK}},
+    {"^AUTHDATA query", ReadAuthData, {0, 0}},  // the by-cid reader clears the whole record
     {"^NDISDUP up", DialUpOn, {0, AT_ERRID_OK}},
     {"^NDISDUP down", DialUpOff, {0, AT_ERRID_OK}},
 };

@@ -1,5 +1,7 @@
 #include "modem.h"
 
+#include <string.h>
+
 #include <algorithm>
 #include <cctype>
 #include <charconv>
@@ -99,11 +101,14 @@ bool Modem::TakeByte(char byte) {
     } else if (!input_.empty()) {
         if (echo_) output_.append(input_).push_back('\r');
         if (commands_.size() < kMaxQueuedCommands) {
-            commands_.push_back(std::move(input_));
+            commands_.push_back(input_);
         } else {
             Log("atsim: too many commands waiting, dropped \"" + Loggable(input_) + "\"");
         }
     }
+    // Copied rather than moved, and wiped: a short line's bytes would stay
+    // behind, and the line may carry a PIN.
+    explicit_bzero(input_.data(), input_.size());
     input_.clear();
     inputLength_ = 0;
     return true;

@@ -26,11 +26,6 @@ namespace module = atapi::api::module;
 
 constexpr char kUser[] = "e2e-user";
 
-template <typename Record>
-void Wipe(Record *record) {
-    memset_s(record, sizeof *record, 0, sizeof *record);
-}
-
 // ---- parse ------------------------------------------------------------------
 
 struct ParseCase {
@@ -108,75 +103,39 @@ struct Outcome {
     int32_t errorId;
 };
 
-// The steps run in order against secrets.scn: a wrong PIN, the PIN (^CPIN),
-// a lock set with it, a PIN change, a PUK with a new PIN on a card that
-// needs none, the unlock code, authentication data written and read back,
-// and a dial-up with a password, then down.
-Outcome WrongPin() {
-    CpinInfo r{};
-    return {AtPinManagement(1, kWrongPin, "", &r), r.errorId};
-}
-
-Outcome RightPin() {
-    CpinExInfo r{};
-    return {AtPinManagementEx(1, kPin, nullptr, &r), r.errorId};
-}
-
-Outcome LockWithPin() {
-    ClckRequest q{"SC", "1", kPin};
-    ClckResult r{};
-    return {AtPinEnableDisableCmd(1, &q, &r), r.errorId};
-}
-
-Outcome ChangePin() {
-    int32_t errorId = 0;
-    return {AtPinModify("SC", kPin, kNewPin, &errorId), errorId};
-}
-
-Outcome PukAndNewPin() {
-    CpinInfo r{};
-    return {AtPinManagement(1, kPuk, kNewPin, &r), r.errorId};
-}
-
-Outcome UnlockCard() {
-    CardLockInfo r{};
-    return {AtSimLock(1, kUnlockCode, &r), r.errorId};
-}
+// A record that may hold a secret, wiped when the step is done.
+template <typename Record>
+struct Wiped {
+    Record r{};
+    ~Wiped() { memset_s(&r, sizeof r, 0, sizeof r); }
+};
 
 Outcome WriteAuthData() {
-    AuthDataInfo a{};
-    a.cid = 1;
-    a.authType = 1;
-    std::strcpy(a.passwd, kPassword);
-    std::strcpy(a.username, kUser);
-    const Outcome outcome{AtAuthDataHandler(&a), a.errorId};
-    Wipe(&a);
-    return outcome;
+    Wiped<AuthDataInfo> a;
+    a.r.cid = 1;
+    a.r.authType = 1;
+    std::strcpy(a.r.passwd, kPassword);
+    std::strcpy(a.r.username, kUser);
+    return {AtAuthDataHandler(&a.r), a.r.errorId};
 }
 
 // The password comes back in a reply: through atserver and the parser.
 Outcome ReadAuthData() {
-    AuthDataInfo a{};
-    Outcome outcome{AtGetAuthDataByCid(&a, 1), a.errorId};
-    if (outcome.result == 0 && std::strcmp(a.passwd, kPassword) != 0) outcome.result = -100;
-    Wipe(&a);
-    return outcome;
+    Wiped<AuthDataInfo> a;
+    const int32_t result = AtGetAuthDataByCid(&a.r, 1);
+    return {result == 0 && std::strcmp(a.r.passwd, kPassword) != 0 ? -100 : result, a.r.errorId};
 }
 
-Outcome DialUp(int32_t connect) {
-    NdisDupProfile p{};
-    p.apnIsStatic = 1;
-    std::strcpy(p.apn, "internet");
-    std::strcpy(p.username, kUser);
-    std::strcpy(p.passwd, kPassword);
-    p.authType = '1';
-    const Outcome outcome{AtNdisDup(1, connect, &p), p.errorId};
-    Wipe(&p);
-    return outcome;
+template <int32_t kConnect>
+Outcome DialUp() {
+    Wiped<NdisDupProfile> p;
+    p.r.apnIsStatic = 1;
+    std::strcpy(p.r.apn, "internet");
+    std::strcpy(p.r.username, kUser);
+    std::strcpy(p.r.passwd, kPassword);
+    p.r.authType = '1';
+    return {AtNdisDup(1, kConnect, &p.r), p.r.errorId};
 }
-
-Outcome DialUpOn() { return DialUp(1); }
-Outcome DialUpOff() { return DialUp(0); }
 
 struct SendStep {
     const char *what;
@@ -184,17 +143,52 @@ struct SendStep {
     Outcome expected;
 };
 
+// In order against secrets.scn: a wrong PIN, the PIN (^CPIN), a lock set
+// with it, a PIN change, a PUK with a new PIN on a card that needs none, the
+// unlock code, authentication data written and read back, and a dial-up
+// with a password, then down.
 const SendStep kSendSteps[] = {
-    {"+CPIN, wrong PIN", WrongPin, {0, AT_RET_CME_ERROR}},
-    {"^CPIN, PIN", RightPin, {0, AT_ERRID_OK}},
-    {"+CLCK with the PIN", LockWithPin, {0, AT_ERRID_OK}},
-    {"+CPWD", ChangePin, {0, AT_ERRID_OK}},
-    {"+CPIN, PUK and new PIN", PukAndNewPin, {0, AT_RET_CME_ERROR}},
-    {"^CARDLOCK", UnlockCard, {0, AT_ERRID_OK}},
+    {"+CPIN, wrong PIN",
+     [] {
+         CpinInfo r{};
+         return Outcome{AtPinManagement(1, kWrongPin, "", &r), r.errorId};
+     },
+     {0, AT_RET_CME_ERROR}},
+    {"^CPIN, PIN",
+     [] {
+         CpinExInfo r{};
+         return Outcome{AtPinManagementEx(1, kPin, nullptr, &r), r.errorId};
+     },
+     {0, AT_ERRID_OK}},
+    {"+CLCK with the PIN",
+     [] {
+         ClckRequest q{"SC", "1", kPin};
+         ClckResult r{};
+         return Outcome{AtPinEnableDisableCmd(1, &q, &r), r.errorId};
+     },
+     {0, AT_ERRID_OK}},
+    {"+CPWD",
+     [] {
+         int32_t errorId = 0;
+         return Outcome{AtPinModify("SC", kPin, kNewPin, &errorId), errorId};
+     },
+     {0, AT_ERRID_OK}},
+    {"+CPIN, PUK and new PIN",
+     [] {
+         CpinInfo r{};
+         return Outcome{AtPinManagement(1, kPuk, kNewPin, &r), r.errorId};
+     },
+     {0, AT_RET_CME_ERROR}},
+    {"^CARDLOCK",
+     [] {
+         CardLockInfo r{};
+         return Outcome{AtSimLock(1, kUnlockCode, &r), r.errorId};
+     },
+     {0, AT_ERRID_OK}},
     {"^AUTHDATA set", WriteAuthData, {0, AT_ERRID_OK}},
     {"^AUTHDATA query", ReadAuthData, {0, 0}},  // the by-cid reader clears the whole record
-    {"^NDISDUP up", DialUpOn, {0, AT_ERRID_OK}},
-    {"^NDISDUP down", DialUpOff, {0, AT_ERRID_OK}},
+    {"^NDISDUP up", DialUp<1>, {0, AT_ERRID_OK}},
+    {"^NDISDUP down", DialUp<0>, {0, AT_ERRID_OK}},
 };
 
 int Send() {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "platform/bounded.h"
 #include "result_classifier.h"
 #include "server_log.h"
 
@@ -276,20 +277,24 @@ CommandScheduler::TickResult CommandScheduler::OnTick(int64_t nowMs) {
 
 void CommandScheduler::StartNext(int64_t nowMs) {
     if (state_ != ModemState::kReady || running_ || draining_ || pending_.empty()) return;
-    const AtSrvMsg request = pending_.front().request;
+    // Built in place: the request (which may carry a PIN) is not copied
+    // through the stack on its way.
+    Running &next = running_.emplace();
+    next.request = pending_.front().request;
     pending_.pop_front();
-    running_ = Running{request,
-                       CommandText(request),
-                       ExpectedName(request),
-                       {},
-                       nowMs,
-                       nowMs + GuardMs(request.timeoutSec)};
-    io_.WriteToModem(running_->cmd + "\r");
-    LogDebug("sent \"%s\" of %d", LoggableCommand(running_->cmd).c_str(), request.mtype);
+    next.cmd = CommandText(next.request);
+    next.atName = ExpectedName(next.request);
+    next.startedMs = nowMs;
+    next.guardMs = nowMs + GuardMs(next.request.timeoutSec);
+    io_.WriteToModem(next.cmd + "\r");
+    LogDebug("sent \"%s\" of %d", LoggableCommand(next.cmd).c_str(), next.request.mtype);
 }
 
 void CommandScheduler::Answer(const AtSrvMsg &request, const ReplyText &reply) {
-    io_.SendReply(MakeReplyRecord(request, reply));
+    // The reply may carry a password the modem read back.
+    AtSrvMsg record = MakeReplyRecord(request, reply);
+    io_.SendReply(record);
+    memset_s(&record, sizeof record, 0, sizeof record);
 }
 
 }  // namespace atserver

@@ -268,7 +268,7 @@ void EventLoop::LoseModem(const std::string &why, int64_t nowMs) {
     backend_.Close();
     modemFd_ = -1;
     modemFailed_ = 0;
-    modemOutput_.clear();
+    ReleaseModemOutput();
     reader_.Reset();
     scheduler_.OnModemDown();
     // At once after a port that served a while; one that keeps failing is
@@ -285,11 +285,16 @@ void EventLoop::WriteToModem(const std::string &bytes) {
     FlushModemOutput();
 }
 
+// The written lines may carry PINs and passwords: the buffer goes back to
+// the heap, which wipes it, rather than keep them until it is overwritten.
+void EventLoop::ReleaseModemOutput() { std::string().swap(modemOutput_); }
+
 void EventLoop::FlushModemOutput() {
     while (!modemOutput_.empty() && modemFailed_ == 0) {
         const ssize_t put = write(modemFd_, modemOutput_.data(), modemOutput_.size());
         if (put > 0) {
             modemOutput_.erase(0, static_cast<size_t>(put));
+            if (modemOutput_.empty()) ReleaseModemOutput();
         } else if (put < 0 && errno == EAGAIN) {
             return;  // POLLOUT takes it from here
         } else if (put < 0 && errno != EINTR) {

@@ -52,6 +52,7 @@ class EventLoop : private CommandScheduler::Io {
     void LoseModem(const std::string &why, int64_t nowMs);
     void ScheduleReopen(int64_t atMs);
     void FlushModemOutput();
+    void ReleaseModemOutput();
     void FlushReplies(int64_t nowMs);
     void ArmTimer(int64_t intervalMs);
 

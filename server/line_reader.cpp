@@ -1,5 +1,7 @@
 #include "line_reader.h"
 
+#include "platform/bounded.h"
+
 namespace atserver {
 namespace {
 
@@ -18,16 +20,16 @@ void LineReader::Feed(const char *data, size_t len, Output *out) {
                 out->droppedLengths.push_back(overflowLength_);
                 overflowLength_ = 0;
             } else if (!partial_.empty()) {
-                out->lines.push_back(std::move(partial_));
+                out->lines.push_back(partial_);
             }
-            partial_.clear();
+            ClearPartial();
             continue;
         }
         if (overflowLength_ > 0) {
             ++overflowLength_;
         } else if (partial_.size() == kMaxLineBytes) {
             overflowLength_ = partial_.size() + 1;
-            partial_.clear();
+            ClearPartial();
         } else {
             partial_.push_back(Printable(c));
         }
@@ -35,8 +37,15 @@ void LineReader::Feed(const char *data, size_t len, Output *out) {
 }
 
 void LineReader::Reset() {
-    partial_.clear();
+    ClearPartial();
     overflowLength_ = 0;
+}
+
+// A line may be the echo of a command with a PIN: it is copied out and wiped
+// here rather than moved, which would leave a short line's bytes behind.
+void LineReader::ClearPartial() {
+    memset_s(partial_.data(), partial_.size(), 0, partial_.size());
+    partial_.clear();
 }
 
 }  // namespace atserver

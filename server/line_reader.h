@@ -25,6 +25,8 @@ class LineReader {
     void Reset();
 
   private:
+    void ClearPartial();
+
     std::string partial_;
     size_t overflowLength_ = 0;  // > 0 while dropping an over-long line
 };

@@ -20,10 +20,13 @@ constexpr size_t kTypeWordSize = 4;
 
 // Receive buffer: larger than any valid record, so that an oversized record
 // is taken (cut short by MSG_NOERROR) and recognised, instead of staying at
-// the head of the queue for ever.
+// the head of the queue for ever. Its requests and replies may carry PINs
+// and passwords: it is wiped when it goes.
 struct WireRecord {
     long mtype;
     char payload[2 * AT_SRV_MSG_PAYLOAD];
+
+    ~WireRecord() { memset_s(this, sizeof *this, 0, sizeof *this); }
 };
 
 bool Terminated(const char *text, size_t capacity) {
@@ -107,18 +110,20 @@ void RequestQueues::TakeAll(std::vector<IncomingRecord> *out) {
             if (errno != ENOMSG) LogError("request queue read failed: %s", std::strerror(errno));
             return;
         }
-        AtSrvMsg msg{};
+        // Straight into its place: no copy of the record is left behind.
+        IncomingRecord &record = out->emplace_back();
+        AtSrvMsg &msg = record.msg;
         msg.mtype = static_cast<int32_t>(wire.mtype);
         const size_t payloadLen = static_cast<size_t>(got);
         memcpy_s(reinterpret_cast<char *>(&msg) + kTypeWordSize, AT_SRV_MSG_PAYLOAD, wire.payload,
                  payloadLen < AT_SRV_MSG_PAYLOAD ? payloadLen : AT_SRV_MSG_PAYLOAD);
-        const RecordKind kind = ClassifyRecord(msg, payloadLen);
-        if (kind == RecordKind::kMalformed) {
+        record.kind = ClassifyRecord(msg, payloadLen);
+        if (record.kind == RecordKind::kMalformed) {
             LogWarn("dropped a malformed record from %d: %zu bytes, reqType %u", msg.mtype,
                     payloadLen, msg.reqType);
-            continue;
+            memset_s(&msg, sizeof msg, 0, sizeof msg);
+            out->pop_back();
         }
-        out->push_back({msg, kind});
     }
 }
 

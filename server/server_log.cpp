@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <ctime>
 
+#include "platform/bounded.h"
 #include "platform/trace.h"
 
 namespace atserver {
@@ -71,6 +72,8 @@ void VLog(LogLevel level, const char *format, va_list ap) {
         if (text[i] == '\n' || text[i] == '\r') text[i] = ' ';
     }
     WriteLine(level, text);
+    // Modem text passes through here too.
+    memset_s(text, sizeof text, 0, sizeof text);
     errno = savedErrno;
 }
 

@@ -1,5 +1,7 @@
 #include "modem.h"
 
+#include <string.h>
+
 #include <algorithm>
 #include <cctype>
 #include <charconv>
@@ -37,11 +39,27 @@ bool Compare(const std::string &left, CompareOp op, const std::string &right) {
     }
 }
 
+bool SameLetter(char x, char y) {
+    return std::toupper(static_cast<unsigned char>(x)) ==
+           std::toupper(static_cast<unsigned char>(y));
+}
+
 bool EqualsIgnoringCase(std::string_view a, std::string_view b) {
-    return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
-               return std::toupper(static_cast<unsigned char>(x)) ==
-                      std::toupper(static_cast<unsigned char>(y));
-           });
+    return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), SameLetter);
+}
+
+// Commands whose parameters are PINs, PUKs, passwords or unlock codes: the
+// log shows them only up to their '='.
+constexpr std::string_view kSecretCommands[] = {
+    "+CPIN=", "^CPIN=", "+CLCK=", "+CPWD=", "^CARDLOCK=", "^AUTHDATA=", "^NDISDUP="};
+
+std::string Loggable(const std::string &command) {
+    for (const std::string_view name : kSecretCommands) {
+        const auto at =
+            std::search(command.begin(), command.end(), name.begin(), name.end(), SameLetter);
+        if (at != command.end()) return std::string(command.begin(), at + name.size()) + "...";
+    }
+    return command;
 }
 
 }  // namespace
@@ -83,11 +101,14 @@ bool Modem::TakeByte(char byte) {
     } else if (!input_.empty()) {
         if (echo_) output_.append(input_).push_back('\r');
         if (commands_.size() < kMaxQueuedCommands) {
-            commands_.push_back(std::move(input_));
+            commands_.push_back(input_);
         } else {
-            Log("atsim: too many commands waiting, dropped \"" + input_ + "\"");
+            Log("atsim: too many commands waiting, dropped \"" + Loggable(input_) + "\"");
         }
     }
+    // Copied rather than moved, and wiped: a short line's bytes would stay
+    // behind, and the line may carry a PIN.
+    explicit_bzero(input_.data(), input_.size());
     input_.clear();
     inputLength_ = 0;
     return true;
@@ -110,14 +131,14 @@ void Modem::Dispatch(const std::string &command, Millis now) {
             continue;
         }
         if (options_.verbose) {
-            Log("atsim: \"" + command + "\" -> " + rule.where.file + ":" +
+            Log("atsim: \"" + Loggable(command) + "\" -> " + rule.where.file + ":" +
                 std::to_string(rule.where.line));
         }
         job_ = Job{&rule, 0, std::move(captures), std::nullopt, {}};
         RunJob(now);
         return;
     }
-    if (options_.verbose) Log("atsim: \"" + command + "\" -> built-in");
+    if (options_.verbose) Log("atsim: \"" + Loggable(command) + "\" -> built-in");
     AnswerBuiltin(command);
 }
 

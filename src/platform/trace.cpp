@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "platform/bounded.h"
 #include "platform/sink_slot.h"
 
 namespace {
@@ -28,11 +29,13 @@ void Emit(const char *channel, const char *source, int level, const char *format
     if (!Slot().Installed() && level > Threshold().load(std::memory_order_relaxed)) return;
     char text[2048];
     std::vsnprintf(text, sizeof text, format, ap);
-    if (Slot().Call(channel, source, level, static_cast<const char *>(text))) return;
-    if (level <= Threshold().load(std::memory_order_relaxed)) {
+    if (!Slot().Call(channel, source, level, static_cast<const char *>(text)) &&
+        level <= Threshold().load(std::memory_order_relaxed)) {
         std::fprintf(stderr, "[%s %d] %s: %s", channel, level, source != nullptr ? source : "",
                      text);
     }
+    // Reply text passes through here too.
+    memset_s(text, sizeof text, 0, sizeof text);
 }
 
 }  // namespace

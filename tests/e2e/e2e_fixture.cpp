@@ -20,6 +20,7 @@
 #include "atapi/at_link.h"
 #include "atapi/at_send.h"
 #include "link/ats_paths.h"
+#include "secret_log_check.h"
 
 extern char **environ;
 
@@ -221,6 +222,11 @@ bool AtServerProcess::WaitForLog(const std::string &needle) const {
                      std::chrono::seconds(5));
 }
 
+void AtServerProcess::ExpectNoSecretShown() const {
+    test::ExpectNoSecretIn(Log(), "atserver's log");
+    test::ExpectNoSecretIn(ReadFile(ReportPath()), "the report file");
+}
+
 void ExpectNothingLeft() {
     EXPECT_FALSE(FileExists(std::string(PidFileDir()) + kServerTaskName + ".pid"));
     EXPECT_FALSE(FileExists(ReadyFlagPath()));
@@ -243,6 +249,7 @@ void E2eTest::TearDown() {
     if (server_ != nullptr && server_->Pid() > 0) {
         EXPECT_EQ(server_->Stop(), 0) << server_->Log();
         ExpectNothingLeft();
+        server_->ExpectNoSecretShown();
     }
     server_.reset();
     runtime_.reset();
@@ -262,6 +269,7 @@ void ShippedScenarioTest::TearDown() {
     if (server_ == nullptr || server_->Pid() <= 0) return;
     EXPECT_EQ(server_->Stop(), 0) << server_->Log();
     ExpectNothingLeft();
+    server_->ExpectNoSecretShown();
 }
 
 ProcessResult ShippedScenarioTest::Cli(const std::vector<std::string> &args,

@@ -74,6 +74,8 @@ class AtServerProcess {
     std::string ReportPath() const { return runtime_.Path("/report.txt"); }
     // Waits (bounded) until the log holds needle.
     bool WaitForLog(const std::string &needle) const;
+    // Neither the log nor the report file shows a secret.
+    void ExpectNoSecretShown() const;
 
   private:
     const test::IsolatedRuntime &runtime_;

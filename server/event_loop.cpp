@@ -225,10 +225,13 @@ void EventLoop::HandleModem(short revents, int64_t nowMs) {
         if (got > 0) {
             LineReader::Output out;
             reader_.Feed(buf, static_cast<size_t>(got), &out);
-            for (size_t dropped : out.droppedLengths) {
-                LogWarn("dropped an over-long modem line (%zu bytes)", dropped);
+            for (const LineReader::Line &line : out) {
+                if (line.droppedLength > 0) {
+                    scheduler_.OnOverlongLine(line.droppedLength);
+                } else {
+                    scheduler_.OnLine(line.text, nowMs);
+                }
             }
-            for (const std::string &line : out.lines) scheduler_.OnLine(line, nowMs);
             continue;
         }
         if (got < 0 && errno == EINTR) continue;

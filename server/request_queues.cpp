@@ -9,6 +9,7 @@
 #include "atapi/at_link.h"
 #include "link/ats_paths.h"
 #include "platform/bounded.h"
+#include "queue_room.h"
 #include "runtime_files.h"
 #include "server_log.h"
 
@@ -88,6 +89,8 @@ bool RequestQueues::Create() {
         return false;
     }
     Logf("queues created: requests %d, replies %d", requestQid_, replyQid_);
+    RaiseQueueRoom(requestQid_, "request");
+    RaiseQueueRoom(replyQid_, "reply");
     return true;
 }
 

@@ -8,8 +8,8 @@
 // with nothing waiting on a poll: one caller on the bare queues with blocking
 // reads, atsim answering at once.
 //
-// Run by hand: exchange_load [SECONDS_PER_RUN] (default 5). Needs a build with
-// ATAPI_ISOLATED_PATHS=ON.
+// Run by hand: exchange_load [SECONDS_PER_RUN [THREADS...]] (default 5 s; 1,
+// 4, 16 and 64 threads). Needs a build with ATAPI_ISOLATED_PATHS=ON.
 #include <algorithm>
 #include <atomic>
 #include <chrono>
@@ -17,6 +17,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
+#include <iterator>
 #include <string>
 #include <thread>
 #include <vector>
@@ -32,7 +33,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using atapi::bench::BenchWorld;
 
-constexpr int kThreadCounts[] = {1, 4, 16, 64};
+constexpr int kDefaultThreadCounts[] = {1, 4, 16, 64};
 constexpr const char *kQueries[] = {"AT+CGMI", "AT+COPS?", "AT+CSQ"};
 constexpr double kPollStepMs = 30.0;
 constexpr int kBareRoundTrips = 3000;
@@ -159,8 +160,14 @@ void RunBare(pid_t server, pid_t sim) {
 
 int main(int argc, char **argv) {
     const double seconds = argc > 1 ? std::atof(argv[1]) : 5.0;
-    if (!atapi::PathsAreIsolated() || seconds <= 0) {
-        std::fprintf(stderr, "usage: exchange_load [SECONDS_PER_RUN] (isolated-paths build)\n");
+    std::vector<int> threadCounts(std::begin(kDefaultThreadCounts), std::end(kDefaultThreadCounts));
+    if (argc > 2) threadCounts.clear();
+    for (int i = 2; i < argc; ++i) threadCounts.push_back(std::atoi(argv[i]));
+    const bool countsValid = std::all_of(threadCounts.begin(), threadCounts.end(),
+                                         [](int threads) { return threads > 0; });
+    if (!atapi::PathsAreIsolated() || seconds <= 0 || !countsValid) {
+        std::fprintf(
+            stderr, "usage: exchange_load [SECONDS_PER_RUN [THREADS...]] (isolated-paths build)\n");
         return 1;
     }
     PlatformSetLogSink(CountRetries, nullptr);
@@ -174,7 +181,7 @@ int main(int argc, char **argv) {
     const pid_t sim = SimPid(server);
     std::printf("%7s %9s %9s %8s %8s %10s %8s %8s %10s %9s\n", "threads", "cmds/s", "median_ms",
                 "p99_ms", "max_ms", "poll_share", "retries", "failed", "srv_us/cmd", "sim_us/cmd");
-    for (const int threads : kThreadCounts) RunLoad(threads, seconds, server, sim);
+    for (const int threads : threadCounts) RunLoad(threads, seconds, server, sim);
     RunBare(server, sim);
     PlatformSetLogSink(nullptr, nullptr);
     return world.Stop() == 0 ? 0 : 1;

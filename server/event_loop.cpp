@@ -22,16 +22,11 @@ namespace atserver {
 namespace {
 
 constexpr int64_t kIdleTickMs = 100;
-constexpr int64_t kBacklogTickMs = 10;
 // A port that keeps failing is tried again after 1, 2, 4 ... up to 30 s.
 constexpr int64_t kReopenIntervalMs = 1000;
 constexpr int64_t kMaxReopenIntervalMs = 30000;
 // After a reopen, how long the modem may take to answer "AT".
 constexpr int64_t kReprobeWindowMs = 5000;
-// A full reply queue that nobody reads from for this long holds only replies
-// of requesters that are gone.
-constexpr int64_t kStaleReplyMs = 2000;
-
 int64_t NowMs() { return MonotonicMs(); }
 
 enum class SignalAction { kRequests, kStop, kReopenLog };
@@ -74,19 +69,22 @@ EventLoop::EventLoop(ModemBackend &backend, RequestQueues &queues, ReportSink &r
       reopenDelayMs_(kReopenIntervalMs),
       readyTimeoutSec_(readyTimeoutSec),
       startMs_(NowMs()),
-      readyDeadlineMs_(startMs_ + static_cast<int64_t>(readyTimeoutSec) * 1000) {}
+      readyDeadlineMs_(startMs_ + static_cast<int64_t>(readyTimeoutSec) * 1000),
+      outbox_(*this, queues.ReplyRoom()) {}
 
 EventLoop::~EventLoop() {
     backend_.Close();
     if (signalFd_ != -1) close(signalFd_);
     if (timerFd_ != -1) close(timerFd_);
+    if (outboxTimerFd_ != -1) close(outboxTimerFd_);
 }
 
 bool EventLoop::Setup() {
     const sigset_t signals = ServerSignals();
     signalFd_ = signalfd(-1, &signals, SFD_NONBLOCK | SFD_CLOEXEC);
     timerFd_ = timerfd_create(CLOCK_MONOTONIC, TFD_NONBLOCK | TFD_CLOEXEC);
-    if (signalFd_ == -1 || timerFd_ == -1) {
+    outboxTimerFd_ = timerfd_create(CLOCK_MONOTONIC, TFD_NONBLOCK | TFD_CLOEXEC);
+    if (signalFd_ == -1 || timerFd_ == -1 || outboxTimerFd_ == -1) {
         LogError("cannot create the signal or timer descriptor: %s", std::strerror(errno));
         return false;
     }
@@ -104,17 +102,32 @@ void EventLoop::ArmTimer(int64_t intervalMs) {
     timerfd_settime(timerFd_, 0, &spec, nullptr);
 }
 
+void EventLoop::ArmOutboxTimer(int64_t atUs) {
+    if (atUs == outboxTimerUs_) return;
+    outboxTimerUs_ = atUs;
+    itimerspec spec{};  // all zero disarms
+    if (atUs >= 0) {
+        spec.it_value.tv_sec = atUs / 1000000;
+        spec.it_value.tv_nsec = (atUs % 1000000) * 1000 + 1;  // never the zero that disarms
+    }
+    timerfd_settime(outboxTimerFd_, TFD_TIMER_ABSTIME, &spec, nullptr);
+}
+
 int EventLoop::Run() {
     if (!Setup()) return Stop(1, "no signal or timer descriptor");
     Logf("modem: %s", backend_.Describe().c_str());
     TryOpenModem(NowMs());
     for (;;) {
-        // The third descriptor is the port, or what its backend waits on while opening.
+        ArmOutboxTimer(outbox_.NextFlushUs(MonotonicUs()));
+        // The last descriptor is the port, or what its backend waits on while opening.
         const int portFd = modemFd_ != -1 ? modemFd_ : openWaitFd_;
         const short portEvents = modemFd_ != -1 ? POLLIN : openWaitEvents_;
-        pollfd fds[3] = {{signalFd_, POLLIN, 0}, {timerFd_, POLLIN, 0}, {portFd, portEvents, 0}};
-        const nfds_t count = portFd == -1 ? 2 : 3;
-        if (modemFd_ != -1 && !modemOutput_.empty()) fds[2].events |= POLLOUT;
+        pollfd fds[4] = {{signalFd_, POLLIN, 0},
+                         {timerFd_, POLLIN, 0},
+                         {outboxTimerFd_, POLLIN, 0},
+                         {portFd, portEvents, 0}};
+        const nfds_t count = portFd == -1 ? 3 : 4;
+        if (modemFd_ != -1 && !modemOutput_.empty()) fds[3].events |= POLLOUT;
         if (poll(fds, count, -1) < 0) {
             if (errno == EINTR) continue;
             LogError("poll failed: %s", std::strerror(errno));
@@ -122,14 +135,19 @@ int EventLoop::Run() {
         }
         const int64_t now = NowMs();
         if ((fds[0].revents & POLLIN) != 0 && !HandleSignals()) return 0;
-        if (count == 3 && fds[2].revents != 0) {
+        if (count == 4 && fds[3].revents != 0) {
             if (modemFd_ != -1) {
-                HandleModem(fds[2].revents, now);
+                HandleModem(fds[3].revents, now);
             } else {
                 TryOpenModem(now);
             }
         }
         if ((fds[1].revents & POLLIN) != 0) HandleTimer(now);
+        if ((fds[2].revents & POLLIN) != 0) {
+            uint64_t expirations = 0;
+            if (read(outboxTimerFd_, &expirations, sizeof expirations) > 0) outboxTimerUs_ = -1;
+            outbox_.Flush(MonotonicUs());
+        }
         if (modemFailed_ != 0) {
             LoseModem(std::string("write failed: ") + std::strerror(modemFailed_), now);
         }
@@ -196,8 +214,11 @@ bool EventLoop::HandleSignals() {
 void EventLoop::TakeRequests(int64_t nowMs) {
     std::vector<IncomingRecord> records;
     queues_.TakeAll(&records);
-    for (const IncomingRecord &record : records)
+    const int64_t nowUs = MonotonicUs();
+    for (const IncomingRecord &record : records) {
+        if (record.kind != RecordKind::kControl) outbox_.OnRequest(record.msg.mtype, nowUs);
         scheduler_.OnRequest(record.msg, record.kind, nowMs);
+    }
 }
 
 void EventLoop::HandleTimer(int64_t nowMs) {
@@ -213,7 +234,6 @@ void EventLoop::HandleTimer(int64_t nowMs) {
     if (scheduler_.OnTick(nowMs) == CommandScheduler::TickResult::kProbeFailed) {
         LoseModem("no answer to AT", nowMs);
     }
-    FlushReplies(nowMs);
 }
 
 void EventLoop::HandleModem(short revents, int64_t nowMs) {
@@ -302,36 +322,21 @@ void EventLoop::FlushModemOutput() {
     }
 }
 
-void EventLoop::SendReply(const AtSrvMsg &record) {
-    if (replyBacklog_.empty()) {
-        switch (queues_.SendReply(record)) {
-            case RequestQueues::SendResult::kSent:
-            case RequestQueues::SendResult::kFailed:
-                return;
-            case RequestQueues::SendResult::kFull:
-                replyProgressMs_ = NowMs();
-                break;
-        }
+void EventLoop::SendReply(const AtSrvMsg &record) { outbox_.Add(record, MonotonicUs()); }
+
+ReplyOutbox::SendResult EventLoop::Send(const AtSrvMsg &reply) {
+    switch (queues_.SendReply(reply)) {
+        case RequestQueues::SendResult::kSent:
+            return ReplyOutbox::SendResult::kSent;
+        case RequestQueues::SendResult::kFull:
+            return ReplyOutbox::SendResult::kFull;
+        case RequestQueues::SendResult::kFailed:
+            break;
     }
-    replyBacklog_.push_back(record);
-    ArmTimer(kBacklogTickMs);
+    return ReplyOutbox::SendResult::kFailed;
 }
 
-void EventLoop::FlushReplies(int64_t nowMs) {
-    while (!replyBacklog_.empty()) {
-        const RequestQueues::SendResult result = queues_.SendReply(replyBacklog_.front());
-        if (result == RequestQueues::SendResult::kFull) {
-            if (nowMs - replyProgressMs_ < kStaleReplyMs || !queues_.DropOldestReply()) break;
-            continue;
-        }
-        if (result == RequestQueues::SendResult::kSent &&
-            nowMs - replyProgressMs_ < kStaleReplyMs) {
-            replyProgressMs_ = nowMs;
-        }
-        replyBacklog_.pop_front();
-    }
-    if (replyBacklog_.empty()) ArmTimer(kIdleTickMs);
-}
+bool EventLoop::DropOldest() { return queues_.DropOldestReply(); }
 
 void EventLoop::Report(const std::string &line) { reports_.Write(line); }
 

@@ -90,7 +90,7 @@ bool RequestQueues::Create() {
     }
     Logf("queues created: requests %d, replies %d", requestQid_, replyQid_);
     RaiseQueueRoom(requestQid_, "request");
-    RaiseQueueRoom(replyQid_, "reply");
+    replyRoom_ = RaiseQueueRoom(replyQid_, "reply");
     return true;
 }
 

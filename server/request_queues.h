@@ -34,6 +34,8 @@ class RequestQueues {
 
     // Removes the queues a crashed run left behind and creates both.
     bool Create();
+    // The records the reply queue holds (known after Create).
+    size_t ReplyRoom() const { return replyRoom_; }
     // Deletes both queues (also done by the destructor).
     void Destroy();
 
@@ -50,6 +52,7 @@ class RequestQueues {
   private:
     int requestQid_ = -1;
     int replyQid_ = -1;
+    size_t replyRoom_ = 0;
 };
 
 }  // namespace atserver

@@ -1,6 +1,7 @@
 // A private runtime root and the real atserver (atsim on a pseudo-terminal,
 // without periodic lines) serving it for a whole benchmark run. Needs a
-// build with ATAPI_ISOLATED_PATHS=ON and ATSERVER_PATH / ATSIM_PATH defined.
+// build with ATAPI_ISOLATED_PATHS=ON and ATSERVER_PATH / ATSIM_PATH defined;
+// ATAPI_BENCH_ATSERVER names another atserver to measure (an older build).
 #pragma once
 
 #include <signal.h>
@@ -10,6 +11,7 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <thread>
@@ -32,8 +34,15 @@ class BenchWorld {
         atapi::SetRuntimeRoot(root_.c_str());
         std::filesystem::create_directories(atapi::PidFileDir());
         const std::string log = root_ + "/atserver.log";
-        std::vector<std::string> words{ATSERVER_PATH, "--sim",    "--atsim", ATSIM_PATH,
-                                       "--sim-arg",   "--no-urc", "--log",   log};
+        const char *server = std::getenv("ATAPI_BENCH_ATSERVER");
+        std::vector<std::string> words{server != nullptr ? server : ATSERVER_PATH,
+                                       "--sim",
+                                       "--atsim",
+                                       ATSIM_PATH,
+                                       "--sim-arg",
+                                       "--no-urc",
+                                       "--log",
+                                       log};
         std::vector<char *> argv;
         for (std::string &word : words) argv.push_back(word.data());
         argv.push_back(nullptr);

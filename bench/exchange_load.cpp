@@ -36,7 +36,7 @@ using atapi::bench::BenchWorld;
 constexpr int kDefaultThreadCounts[] = {1, 4, 16, 64};
 constexpr const char *kQueries[] = {"AT+CGMI", "AT+COPS?", "AT+CSQ"};
 constexpr double kPollStepMs = 30.0;
-constexpr int kBareRoundTrips = 3000;
+constexpr int kBareRoundTrips = 300;
 constexpr char kSendRetryLog[] = "SendToMsgQueue retcode";
 
 std::atomic<long> g_sendRetries{0};
@@ -170,6 +170,7 @@ int main(int argc, char **argv) {
             stderr, "usage: exchange_load [SECONDS_PER_RUN [THREADS...]] (isolated-paths build)\n");
         return 1;
     }
+    std::setvbuf(stdout, nullptr, _IOLBF, 0);
     PlatformSetLogSink(CountRetries, nullptr);
     BenchWorld world;
     if (!world.Start()) {

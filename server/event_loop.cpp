@@ -135,6 +135,10 @@ int EventLoop::Run() {
         }
         const int64_t now = NowMs();
         if ((fds[0].revents & POLLIN) != 0 && !HandleSignals()) return 0;
+        // The request queue is emptied after every wake-up, not only after a
+        // caller's signal (which may also never come): where it holds only 10
+        // records, a burst of callers fills it while atserver is busy elsewhere.
+        TakeRequests(now);
         if (count == 4 && fds[3].revents != 0) {
             if (modemFd_ != -1) {
                 HandleModem(fds[3].revents, now);
@@ -184,14 +188,12 @@ bool EventLoop::NoteModemReady(int64_t nowMs) {
 
 bool EventLoop::HandleSignals() {
     signalfd_siginfo info;
-    bool requests = false;
     while (read(signalFd_, &info, sizeof info) == static_cast<ssize_t>(sizeof info)) {
         const ServerSignal *signal = FindSignal(info.ssi_signo);
         if (signal == nullptr) continue;
         switch (signal->action) {
             case SignalAction::kRequests:
-                requests = true;
-                break;
+                break;  // taken after every wake-up (Run)
             case SignalAction::kStop:
                 Logf("%s from pid %u: stopping", signal->name, info.ssi_pid);
                 stopReason_ = signal->name;
@@ -206,8 +208,6 @@ bool EventLoop::HandleSignals() {
                 break;
         }
     }
-    // Signals coalesce: one wake-up may stand for many requests.
-    if (requests) TakeRequests(NowMs());
     return true;
 }
 
@@ -225,8 +225,6 @@ void EventLoop::HandleTimer(int64_t nowMs) {
     uint64_t expirations = 0;
     while (read(timerFd_, &expirations, sizeof expirations) > 0) {
     }
-    // The queue is also polled here, in case a wake-up was never sent.
-    TakeRequests(nowMs);
     backend_.Tick(nowMs);
     // A backend that is opening is also asked again on the tick, so that its
     // own deadline holds when its descriptor stays silent.

@@ -334,6 +334,8 @@ ReplyOutbox::SendResult EventLoop::Send(const AtSrvMsg &reply) {
     return ReplyOutbox::SendResult::kFailed;
 }
 
+size_t EventLoop::Count() { return queues_.RepliesWaiting(); }
+
 bool EventLoop::DropOldest() { return queues_.DropOldestReply(); }
 
 void EventLoop::Report(const std::string &line) { reports_.Write(line); }

@@ -42,6 +42,7 @@ class EventLoop : private CommandScheduler::Io, private ReplyOutbox::Queue {
     void Report(const std::string &line) override;
     // ReplyOutbox::Queue
     ReplyOutbox::SendResult Send(const AtSrvMsg &reply) override;
+    size_t Count() override;
     bool DropOldest() override;
 
     bool Setup();

@@ -21,7 +21,7 @@ void ReplyOutbox::Add(const AtSrvMsg &reply, int64_t nowUs) {
 }
 
 void ReplyOutbox::Flush(int64_t nowUs) {
-    while (!held_.empty() && held_.begin()->first <= nowUs) {
+    while (!held_.empty() && (held_.begin()->first <= nowUs || queue_.Count() < halfRoom_)) {
         switch (queue_.Send(held_.begin()->second)) {
             case SendResult::kFull:
                 if (!full_) progressUs_ = nowUs;

@@ -3,12 +3,12 @@
 // wanted in the queue only by its caller's next look. Where the queue holds
 // few records (the kernel's default byte limit gives 10) and many callers
 // wait, a reply that lies there for a whole poll period keeps the room from
-// replies wanted sooner; so in a small queue a reply that is ready before
-// its caller's first poll waits here until shortly before that poll, and
-// the room goes to the replies wanted first. A reply that finds the queue
-// full waits here too; when nobody has taken a reply for a long time, the
-// queue holds only replies of callers that are gone and its oldest is
-// dropped.
+// replies wanted sooner. So once such a queue is half full, a reply that is
+// ready before its caller's first poll waits here until shortly before that
+// poll (or until the queue has room again), and the room goes to the
+// replies wanted first. A reply that finds the queue full waits here too;
+// when nobody has taken a reply for a long time, the queue holds only
+// replies of callers that are gone and its oldest is dropped.
 #pragma once
 
 #include <cstddef>
@@ -28,6 +28,8 @@ class ReplyOutbox {
     class Queue {
       public:
         virtual SendResult Send(const AtSrvMsg &reply) = 0;
+        // The replies in the queue.
+        virtual size_t Count() = 0;
         // Drops the oldest unread reply; false when there was none.
         virtual bool DropOldest() = 0;
 
@@ -45,12 +47,12 @@ class ReplyOutbox {
     static constexpr int64_t kStaleUs = 2000000;
 
     ReplyOutbox(Queue &queue, size_t queueRecords)
-        : queue_(queue), paced_(queueRecords < kPacedBelow) {}
+        : queue_(queue), paced_(queueRecords < kPacedBelow), halfRoom_(queueRecords / 2) {}
 
     // A request of this caller was taken.
     void OnRequest(int32_t mtype, int64_t nowUs);
     void Add(const AtSrvMsg &reply, int64_t nowUs);
-    // Sends what is due and fits.
+    // Sends what is due, and what is not yet due while the queue has room.
     void Flush(int64_t nowUs);
     // When Flush has work next; -1 when nothing waits.
     int64_t NextFlushUs(int64_t nowUs) const;
@@ -59,6 +61,7 @@ class ReplyOutbox {
   private:
     Queue &queue_;
     const bool paced_;
+    const size_t halfRoom_;
     std::unordered_map<int32_t, int64_t> arrivedUs_;  // by caller, until its reply
     std::multimap<int64_t, AtSrvMsg> held_;           // by the time each may be sent
     int64_t progressUs_ = 0;                          // last time the queue took a reply

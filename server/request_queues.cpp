@@ -141,6 +141,11 @@ RequestQueues::SendResult RequestQueues::SendReply(const AtSrvMsg &reply) {
     return SendResult::kFailed;
 }
 
+size_t RequestQueues::RepliesWaiting() const {
+    msqid_ds attrs{};
+    return msgctl(replyQid_, IPC_STAT, &attrs) == 0 ? attrs.msg_qnum : 0;
+}
+
 bool RequestQueues::DropOldestReply() {
     WireRecord wire;
     if (ReceiveRaw(replyQid_, &wire) < 0) return false;

@@ -45,6 +45,8 @@ class RequestQueues {
 
     enum class SendResult { kSent, kFull, kFailed };
     SendResult SendReply(const AtSrvMsg &reply);
+    // Replies not yet taken (0 when that cannot be read).
+    size_t RepliesWaiting() const;
     // Drops the oldest unread reply (the queue is full of replies that no
     // client came for). False when there was none.
     bool DropOldestReply();

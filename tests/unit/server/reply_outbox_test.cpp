@@ -30,6 +30,7 @@ class FakeQueue final : public ReplyOutbox::Queue {
         log_.push_back("send " + std::to_string(reply.mtype));
         return ReplyOutbox::SendResult::kSent;
     }
+    size_t Count() override { return held_.size(); }
     bool DropOldest() override {
         if (held_.empty()) return false;
         log_.push_back("drop " + std::to_string(held_.front()));
@@ -65,9 +66,16 @@ AtSrvMsg Reply(int32_t mtype) {
 
 using Log = std::vector<std::string>;
 
-TEST(ReplyOutbox, ASmallQueueGetsEachReplyShortlyBeforeItsCallersPoll) {
+// Puts n replies of callers 100, 101 ... into the queue.
+void Fill(ReplyOutbox &outbox, FakeQueue &queue, int n) {
+    for (int i = 0; i < n; ++i) outbox.Add(Reply(100 + i), 0);
+    ASSERT_EQ(queue.Log().size(), static_cast<size_t>(n));
+}
+
+TEST(ReplyOutbox, AHalfFullSmallQueueGetsEachReplyShortlyBeforeItsCallersPoll) {
     FakeQueue queue(kSmall);
     ReplyOutbox outbox(queue, kSmall);
+    ASSERT_NO_FATAL_FAILURE(Fill(outbox, queue, kSmall / 2));
     outbox.OnRequest(1, 0);
     outbox.OnRequest(2, 1000);
     outbox.Add(Reply(2), 1500);
@@ -79,7 +87,10 @@ TEST(ReplyOutbox, ASmallQueueGetsEachReplyShortlyBeforeItsCallersPoll) {
     outbox.Flush(kPoll - kLead);
     EXPECT_EQ(queue.Log(), Log{"send 1"});
     EXPECT_EQ(outbox.NextFlushUs(kPoll - kLead), 1000 + kPoll - kLead);
-    outbox.Flush(kPoll);
+    // Once the queue has room again, the next reply need not wait.
+    queue.Take(100);
+    queue.Take(101);
+    outbox.Flush(kPoll - kLead + 1);
     EXPECT_EQ(queue.Log(), Log{"send 2"});
     EXPECT_EQ(outbox.NextFlushUs(kPoll), -1);
 }
@@ -88,18 +99,21 @@ TEST(ReplyOutbox, RepliesGoOutAtOnceWhenNothingIsGainedByWaiting) {
     const struct {
         const char *name;
         size_t room;
+        int queued;    // replies already in the queue
         bool request;  // the caller's request was seen
         int64_t readyUs;
     } cases[] = {
-        {"a queue with room for every caller", kRoomy, true, 1000},
-        {"ready within the lead of the first poll", kSmall, true, kPoll - kLead},
-        {"ready after the first poll", kSmall, true, kPoll + 1},
-        {"a caller whose request was not seen", kSmall, false, 1000},
+        {"a queue with room for every caller", kRoomy, kRoomy / 2, true, 1000},
+        {"a small queue less than half full", kSmall, kSmall / 2 - 1, true, 1000},
+        {"ready within the lead of the first poll", kSmall, kSmall / 2, true, kPoll - kLead},
+        {"ready after the first poll", kSmall, kSmall / 2, true, kPoll + 1},
+        {"a caller whose request was not seen", kSmall, kSmall / 2, false, 1000},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.name);
         FakeQueue queue(c.room);
         ReplyOutbox outbox(queue, c.room);
+        ASSERT_NO_FATAL_FAILURE(Fill(outbox, queue, c.queued));
         if (c.request) outbox.OnRequest(7, 0);
         outbox.Add(Reply(7), c.readyUs);
         EXPECT_EQ(queue.Log(), Log{"send 7"});

@@ -27,6 +27,7 @@ constexpr int64_t kReopenIntervalMs = 1000;
 constexpr int64_t kMaxReopenIntervalMs = 30000;
 // After a reopen, how long the modem may take to answer "AT".
 constexpr int64_t kReprobeWindowMs = 5000;
+
 int64_t NowMs() { return MonotonicMs(); }
 
 enum class SignalAction { kRequests, kStop, kReopenLog };

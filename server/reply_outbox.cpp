@@ -21,7 +21,8 @@ void ReplyOutbox::Add(const AtSrvMsg &reply, int64_t nowUs) {
 }
 
 void ReplyOutbox::Flush(int64_t nowUs) {
-    while (!held_.empty() && (held_.begin()->first <= nowUs || queue_.Count() < halfRoom_)) {
+    while (!held_.empty() &&
+           (held_.begin()->first <= nowUs + kBatchUs || queue_.Count() < halfRoom_)) {
         switch (queue_.Send(held_.begin()->second)) {
             case SendResult::kFull:
                 if (!full_) progressUs_ = nowUs;
@@ -42,7 +43,7 @@ void ReplyOutbox::Flush(int64_t nowUs) {
 int64_t ReplyOutbox::NextFlushUs(int64_t nowUs) const {
     if (held_.empty()) return -1;
     const int64_t first = held_.begin()->first;
-    return first <= nowUs ? nowUs + kRetryUs : first;
+    return first <= nowUs + kBatchUs ? nowUs + kRetryUs : first;
 }
 
 }  // namespace atserver

@@ -43,6 +43,9 @@ class ReplyOutbox {
     static constexpr int64_t kLeadUs = 4000;
     // Below this many records the queue is small and replies are paced.
     static constexpr size_t kPacedBelow = 64;
+    // Held replies due this soon go out with the ones due now: one wake-up
+    // of atserver instead of several.
+    static constexpr int64_t kBatchUs = 1000;
     static constexpr int64_t kRetryUs = 1000;  // a full queue is tried again
     static constexpr int64_t kStaleUs = 2000000;
 

@@ -37,10 +37,11 @@ class ReplyOutbox {
         ~Queue() = default;
     };
 
-    // The caller's receive poll and how long before a poll a held reply is
-    // sent: the time atserver may notice a request after it was sent.
+    // The caller's receive poll, and how long before a poll a held reply is
+    // sent: room for atserver noticing a request late and waking up late on
+    // a busy machine (4 ms missed a poll for one reply in ten at 16 callers).
     static constexpr int64_t kPollUs = 30000;
-    static constexpr int64_t kLeadUs = 4000;
+    static constexpr int64_t kLeadUs = 8000;
     // Below this many records the queue is small and replies are paced.
     static constexpr size_t kPacedBelow = 64;
     // Held replies due this soon go out with the ones due now: one wake-up

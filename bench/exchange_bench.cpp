@@ -3,28 +3,19 @@
 // Runs in a private runtime root; needs a build with ATAPI_ISOLATED_PATHS=ON.
 #include <benchmark/benchmark.h>
 #include <pthread.h>
-#include <signal.h>
-#include <spawn.h>
-#include <stdlib.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cstdio>
-#include <filesystem>
-#include <string>
-#include <thread>
 #include <vector>
 
 #include "atapi/at_link.h"
 #include "atapi/at_send.h"
+#include "bench_world.h"
 #include "link/at_lib_state.h"
 #include "link/ats_paths.h"
 #include "platform/trace.h"
-
-extern char **environ;
 
 namespace {
 
@@ -33,48 +24,6 @@ using Clock = std::chrono::steady_clock;
 // Project ids of the floor's own queue pair, apart from atserver's 1 and 2.
 constexpr int kFloorRequestProjId = 11;
 constexpr int kFloorReplyProjId = 12;
-
-// The private root and the atserver serving it for the whole run.
-class BenchWorld {
-  public:
-    bool Start() {
-        char pattern[] = "/tmp/atapi-bench-XXXXXX";
-        if (mkdtemp(pattern) == nullptr) return false;
-        root_ = pattern;
-        setenv("ATAPI_ROOT", root_.c_str(), 1);
-        atapi::SetRuntimeRoot(root_.c_str());
-        std::filesystem::create_directories(atapi::PidFileDir());
-        const std::string log = root_ + "/atserver.log";
-        std::vector<std::string> words{ATSERVER_PATH, "--sim",    "--atsim", ATSIM_PATH,
-                                       "--sim-arg",   "--no-urc", "--log",   log};
-        std::vector<char *> argv;
-        for (std::string &word : words) argv.push_back(word.data());
-        argv.push_back(nullptr);
-        if (posix_spawn(&server_, argv[0], nullptr, nullptr, argv.data(), environ) != 0) {
-            return false;
-        }
-        for (int waited = 0; waited < 2000; ++waited) {
-            if (CheckAtServerReady() == 0) return true;
-            std::this_thread::sleep_for(std::chrono::milliseconds(10));
-        }
-        return false;
-    }
-
-    // Stops atserver; its exit status (0 when it stopped cleanly).
-    int Stop() {
-        int status = -1;
-        if (server_ > 0) {
-            kill(server_, SIGTERM);
-            waitpid(server_, &status, 0);
-        }
-        if (!root_.empty()) std::filesystem::remove_all(root_);
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    }
-
-  private:
-    std::string root_;
-    pid_t server_ = -1;
-};
 
 struct LatencyStats {
     double medianUs = 0;
@@ -216,7 +165,7 @@ int main(int argc, char **argv) {
     PlatformSetLogThreshold(0);
     // The echo thread waits for its wake-up with sigwait: blocked everywhere.
     AtsEventInit(1);
-    BenchWorld world;
+    atapi::bench::BenchWorld world;
     if (!world.Start()) {
         std::fprintf(stderr, "exchange_bench: atserver did not become ready\n");
         world.Stop();

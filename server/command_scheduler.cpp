@@ -176,6 +176,19 @@ void CommandScheduler::OnLine(const std::string &line, int64_t nowMs) {
     }
 }
 
+void CommandScheduler::OnOverlongLine(size_t length) {
+    if (reportLinesToFollow_ > 0) {
+        --reportLinesToFollow_;
+        LogWarn("dropped an over-long modem line (%zu bytes) that a report announced", length);
+    } else if (state_ == ModemState::kReady && running_) {
+        LogWarn("dropped an over-long modem line (%zu bytes) in the reply to \"%s\" of %d", length,
+                LoggableCommand(running_->cmd).c_str(), running_->request.mtype);
+        running_->droppedLength = std::max(running_->droppedLength, length);
+    } else {
+        LogWarn("dropped an over-long modem line (%zu bytes)", length);
+    }
+}
+
 void CommandScheduler::OnProbeLine(const std::string &line, int64_t nowMs) {
     if (line == kProbeCommand) return;  // echo
     const std::optional<int32_t> result = ClassifyFinalResult(line);
@@ -233,8 +246,13 @@ void CommandScheduler::Unsolicited(const std::string &line, std::string_view atN
 
 void CommandScheduler::Complete(int32_t retVal, const std::string &finalLine, int64_t nowMs) {
     Running &cmd = *running_;
-    const ReplyText reply =
-        retVal == AT_RET_OK ? OkReply(cmd.lines) : ErrorReply(retVal, finalLine);
+    const ReplyText reply = retVal != AT_RET_OK     ? ErrorReply(retVal, finalLine)
+                            : cmd.droppedLength > 0 ? LineTooLongReply(cmd.droppedLength)
+                                                    : OkReply(cmd.lines);
+    if (reply.lineTooLong > 0) {
+        LogWarn("reply to \"%s\" of %d failed: a line of %zu bytes is longer than a reply holds",
+                LoggableCommand(cmd.cmd).c_str(), cmd.request.mtype, reply.lineTooLong);
+    }
     if (reply.linesCut > 0) {
         LogWarn("reply to \"%s\" of %d cut: %zu lines did not fit",
                 LoggableCommand(cmd.cmd).c_str(), cmd.request.mtype, reply.linesCut);

@@ -51,6 +51,9 @@ class CommandScheduler {
 
     void OnRequest(const AtSrvMsg &msg, RecordKind kind, int64_t nowMs);
     void OnLine(const std::string &line, int64_t nowMs);
+    // The line reader dropped a line too long to carry. The running command
+    // then ends in an error rather than in a reply that hides the loss.
+    void OnOverlongLine(size_t length);
     // Guard, drain and probe timers.
     TickResult OnTick(int64_t nowMs);
 
@@ -69,6 +72,7 @@ class CommandScheduler {
         std::vector<std::string> lines;
         int64_t startedMs;
         int64_t guardMs;
+        size_t droppedLength = 0;  // an over-long line of the reply was dropped
     };
 
     // Lines of commands whose replies nobody waits for any more: an aborted

@@ -22,15 +22,11 @@ namespace atserver {
 namespace {
 
 constexpr int64_t kIdleTickMs = 100;
-constexpr int64_t kBacklogTickMs = 10;
 // A port that keeps failing is tried again after 1, 2, 4 ... up to 30 s.
 constexpr int64_t kReopenIntervalMs = 1000;
 constexpr int64_t kMaxReopenIntervalMs = 30000;
 // After a reopen, how long the modem may take to answer "AT".
 constexpr int64_t kReprobeWindowMs = 5000;
-// A full reply queue that nobody reads from for this long holds only replies
-// of requesters that are gone.
-constexpr int64_t kStaleReplyMs = 2000;
 
 int64_t NowMs() { return MonotonicMs(); }
 
@@ -74,19 +70,22 @@ EventLoop::EventLoop(ModemBackend &backend, RequestQueues &queues, ReportSink &r
       reopenDelayMs_(kReopenIntervalMs),
       readyTimeoutSec_(readyTimeoutSec),
       startMs_(NowMs()),
-      readyDeadlineMs_(startMs_ + static_cast<int64_t>(readyTimeoutSec) * 1000) {}
+      readyDeadlineMs_(startMs_ + static_cast<int64_t>(readyTimeoutSec) * 1000),
+      outbox_(*this, queues.ReplyRoom()) {}
 
 EventLoop::~EventLoop() {
     backend_.Close();
     if (signalFd_ != -1) close(signalFd_);
     if (timerFd_ != -1) close(timerFd_);
+    if (outboxTimerFd_ != -1) close(outboxTimerFd_);
 }
 
 bool EventLoop::Setup() {
     const sigset_t signals = ServerSignals();
     signalFd_ = signalfd(-1, &signals, SFD_NONBLOCK | SFD_CLOEXEC);
     timerFd_ = timerfd_create(CLOCK_MONOTONIC, TFD_NONBLOCK | TFD_CLOEXEC);
-    if (signalFd_ == -1 || timerFd_ == -1) {
+    outboxTimerFd_ = timerfd_create(CLOCK_MONOTONIC, TFD_NONBLOCK | TFD_CLOEXEC);
+    if (signalFd_ == -1 || timerFd_ == -1 || outboxTimerFd_ == -1) {
         LogError("cannot create the signal or timer descriptor: %s", std::strerror(errno));
         return false;
     }
@@ -104,17 +103,32 @@ void EventLoop::ArmTimer(int64_t intervalMs) {
     timerfd_settime(timerFd_, 0, &spec, nullptr);
 }
 
+void EventLoop::ArmOutboxTimer(int64_t atUs) {
+    if (atUs == outboxTimerUs_) return;
+    outboxTimerUs_ = atUs;
+    itimerspec spec{};  // all zero disarms
+    if (atUs >= 0) {
+        spec.it_value.tv_sec = atUs / 1000000;
+        spec.it_value.tv_nsec = (atUs % 1000000) * 1000 + 1;  // never the zero that disarms
+    }
+    timerfd_settime(outboxTimerFd_, TFD_TIMER_ABSTIME, &spec, nullptr);
+}
+
 int EventLoop::Run() {
     if (!Setup()) return Stop(1, "no signal or timer descriptor");
     Logf("modem: %s", backend_.Describe().c_str());
     TryOpenModem(NowMs());
     for (;;) {
-        // The third descriptor is the port, or what its backend waits on while opening.
+        ArmOutboxTimer(outbox_.NextFlushUs(MonotonicUs()));
+        // The last descriptor is the port, or what its backend waits on while opening.
         const int portFd = modemFd_ != -1 ? modemFd_ : openWaitFd_;
         const short portEvents = modemFd_ != -1 ? POLLIN : openWaitEvents_;
-        pollfd fds[3] = {{signalFd_, POLLIN, 0}, {timerFd_, POLLIN, 0}, {portFd, portEvents, 0}};
-        const nfds_t count = portFd == -1 ? 2 : 3;
-        if (modemFd_ != -1 && !modemOutput_.empty()) fds[2].events |= POLLOUT;
+        pollfd fds[4] = {{signalFd_, POLLIN, 0},
+                         {timerFd_, POLLIN, 0},
+                         {outboxTimerFd_, POLLIN, 0},
+                         {portFd, portEvents, 0}};
+        const nfds_t count = portFd == -1 ? 3 : 4;
+        if (modemFd_ != -1 && !modemOutput_.empty()) fds[3].events |= POLLOUT;
         if (poll(fds, count, -1) < 0) {
             if (errno == EINTR) continue;
             LogError("poll failed: %s", std::strerror(errno));
@@ -122,14 +136,23 @@ int EventLoop::Run() {
         }
         const int64_t now = NowMs();
         if ((fds[0].revents & POLLIN) != 0 && !HandleSignals()) return 0;
-        if (count == 3 && fds[2].revents != 0) {
+        // The request queue is emptied after every wake-up, not only after a
+        // caller's signal (which may also never come): where it holds only 10
+        // records, a burst of callers fills it while atserver is busy elsewhere.
+        TakeRequests(now);
+        if (count == 4 && fds[3].revents != 0) {
             if (modemFd_ != -1) {
-                HandleModem(fds[2].revents, now);
+                HandleModem(fds[3].revents, now);
             } else {
                 TryOpenModem(now);
             }
         }
         if ((fds[1].revents & POLLIN) != 0) HandleTimer(now);
+        if ((fds[2].revents & POLLIN) != 0) {
+            uint64_t expirations = 0;
+            if (read(outboxTimerFd_, &expirations, sizeof expirations) > 0) outboxTimerUs_ = -1;
+            outbox_.Flush(MonotonicUs());
+        }
         if (modemFailed_ != 0) {
             LoseModem(std::string("write failed: ") + std::strerror(modemFailed_), now);
         }
@@ -166,14 +189,12 @@ bool EventLoop::NoteModemReady(int64_t nowMs) {
 
 bool EventLoop::HandleSignals() {
     signalfd_siginfo info;
-    bool requests = false;
     while (read(signalFd_, &info, sizeof info) == static_cast<ssize_t>(sizeof info)) {
         const ServerSignal *signal = FindSignal(info.ssi_signo);
         if (signal == nullptr) continue;
         switch (signal->action) {
             case SignalAction::kRequests:
-                requests = true;
-                break;
+                break;  // taken after every wake-up (Run)
             case SignalAction::kStop:
                 Logf("%s from pid %u: stopping", signal->name, info.ssi_pid);
                 stopReason_ = signal->name;
@@ -188,24 +209,23 @@ bool EventLoop::HandleSignals() {
                 break;
         }
     }
-    // Signals coalesce: one wake-up may stand for many requests.
-    if (requests) TakeRequests(NowMs());
     return true;
 }
 
 void EventLoop::TakeRequests(int64_t nowMs) {
     std::vector<IncomingRecord> records;
     queues_.TakeAll(&records);
-    for (const IncomingRecord &record : records)
+    const int64_t nowUs = MonotonicUs();
+    for (const IncomingRecord &record : records) {
+        if (record.kind != RecordKind::kControl) outbox_.OnRequest(record.msg.mtype, nowUs);
         scheduler_.OnRequest(record.msg, record.kind, nowMs);
+    }
 }
 
 void EventLoop::HandleTimer(int64_t nowMs) {
     uint64_t expirations = 0;
     while (read(timerFd_, &expirations, sizeof expirations) > 0) {
     }
-    // The queue is also polled here, in case a wake-up was never sent.
-    TakeRequests(nowMs);
     backend_.Tick(nowMs);
     // A backend that is opening is also asked again on the tick, so that its
     // own deadline holds when its descriptor stays silent.
@@ -213,7 +233,6 @@ void EventLoop::HandleTimer(int64_t nowMs) {
     if (scheduler_.OnTick(nowMs) == CommandScheduler::TickResult::kProbeFailed) {
         LoseModem("no answer to AT", nowMs);
     }
-    FlushReplies(nowMs);
 }
 
 void EventLoop::HandleModem(short revents, int64_t nowMs) {
@@ -225,10 +244,13 @@ void EventLoop::HandleModem(short revents, int64_t nowMs) {
         if (got > 0) {
             LineReader::Output out;
             reader_.Feed(buf, static_cast<size_t>(got), &out);
-            for (size_t dropped : out.droppedLengths) {
-                LogWarn("dropped an over-long modem line (%zu bytes)", dropped);
+            for (const LineReader::Line &line : out) {
+                if (line.droppedLength > 0) {
+                    scheduler_.OnOverlongLine(line.droppedLength);
+                } else {
+                    scheduler_.OnLine(line.text, nowMs);
+                }
             }
-            for (const std::string &line : out.lines) scheduler_.OnLine(line, nowMs);
             continue;
         }
         if (got < 0 && errno == EINTR) continue;
@@ -304,36 +326,23 @@ void EventLoop::FlushModemOutput() {
     }
 }
 
-void EventLoop::SendReply(const AtSrvMsg &record) {
-    if (replyBacklog_.empty()) {
-        switch (queues_.SendReply(record)) {
-            case RequestQueues::SendResult::kSent:
-            case RequestQueues::SendResult::kFailed:
-                return;
-            case RequestQueues::SendResult::kFull:
-                replyProgressMs_ = NowMs();
-                break;
-        }
+void EventLoop::SendReply(const AtSrvMsg &record) { outbox_.Add(record, MonotonicUs()); }
+
+ReplyOutbox::SendResult EventLoop::Send(const AtSrvMsg &reply) {
+    switch (queues_.SendReply(reply)) {
+        case RequestQueues::SendResult::kSent:
+            return ReplyOutbox::SendResult::kSent;
+        case RequestQueues::SendResult::kFull:
+            return ReplyOutbox::SendResult::kFull;
+        case RequestQueues::SendResult::kFailed:
+            break;
     }
-    replyBacklog_.push_back(record);
-    ArmTimer(kBacklogTickMs);
+    return ReplyOutbox::SendResult::kFailed;
 }
 
-void EventLoop::FlushReplies(int64_t nowMs) {
-    while (!replyBacklog_.empty()) {
-        const RequestQueues::SendResult result = queues_.SendReply(replyBacklog_.front());
-        if (result == RequestQueues::SendResult::kFull) {
-            if (nowMs - replyProgressMs_ < kStaleReplyMs || !queues_.DropOldestReply()) break;
-            continue;
-        }
-        if (result == RequestQueues::SendResult::kSent &&
-            nowMs - replyProgressMs_ < kStaleReplyMs) {
-            replyProgressMs_ = nowMs;
-        }
-        replyBacklog_.pop_front();
-    }
-    if (replyBacklog_.empty()) ArmTimer(kIdleTickMs);
-}
+size_t EventLoop::Count() { return queues_.RepliesWaiting(); }
+
+bool EventLoop::DropOldest() { return queues_.DropOldestReply(); }
 
 void EventLoop::Report(const std::string &line) { reports_.Write(line); }
 

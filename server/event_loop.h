@@ -6,12 +6,12 @@
 #include <signal.h>
 
 #include <cstdint>
-#include <deque>
 #include <string>
 
 #include "command_scheduler.h"
 #include "line_reader.h"
 #include "modem_backend.h"
+#include "reply_outbox.h"
 #include "report_sink.h"
 #include "request_queues.h"
 #include "urc_filter.h"
@@ -22,7 +22,7 @@ namespace atserver {
 // every thread before the loop starts.
 sigset_t ServerSignals();
 
-class EventLoop : private CommandScheduler::Io {
+class EventLoop : private CommandScheduler::Io, private ReplyOutbox::Queue {
   public:
     EventLoop(ModemBackend &backend, RequestQueues &queues, ReportSink &reports,
               unsigned readyTimeoutSec, const EmergencyNumbers &emergencyNumbers);
@@ -40,6 +40,10 @@ class EventLoop : private CommandScheduler::Io {
     void WriteToModem(const std::string &bytes) override;
     void SendReply(const AtSrvMsg &record) override;
     void Report(const std::string &line) override;
+    // ReplyOutbox::Queue
+    ReplyOutbox::SendResult Send(const AtSrvMsg &reply) override;
+    size_t Count() override;
+    bool DropOldest() override;
 
     bool Setup();
     bool HandleSignals();  // false when asked to stop
@@ -53,8 +57,8 @@ class EventLoop : private CommandScheduler::Io {
     void ScheduleReopen(int64_t atMs);
     void FlushModemOutput();
     void ReleaseModemOutput();
-    void FlushReplies(int64_t nowMs);
     void ArmTimer(int64_t intervalMs);
+    void ArmOutboxTimer(int64_t atUs);
 
     ModemBackend &backend_;
     RequestQueues &queues_;
@@ -65,6 +69,8 @@ class EventLoop : private CommandScheduler::Io {
 
     int signalFd_ = -1;
     int timerFd_ = -1;
+    int outboxTimerFd_ = -1;  // one-shot: the reply outbox has work
+    int64_t outboxTimerUs_ = -1;
     int modemFd_ = -1;
     int openWaitFd_ = -1;  // the backend is opening the port and waits on this
     short openWaitEvents_ = POLLIN;
@@ -79,8 +85,7 @@ class EventLoop : private CommandScheduler::Io {
     int64_t startMs_;
     int64_t readyDeadlineMs_ = 0;
     bool readyFlagCreated_ = false;
-    std::deque<AtSrvMsg> replyBacklog_;  // replies waiting for room in the reply queue
-    int64_t replyProgressMs_ = 0;        // last time the reply queue took a reply
+    ReplyOutbox outbox_;
     std::string stopReason_;
 };
 

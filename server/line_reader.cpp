@@ -17,10 +17,10 @@ void LineReader::Feed(const char *data, size_t len, Output *out) {
         const char c = data[i];
         if (c == '\r' || c == '\n') {
             if (overflowLength_ > 0) {
-                out->droppedLengths.push_back(overflowLength_);
+                out->push_back({{}, overflowLength_});
                 overflowLength_ = 0;
             } else if (!partial_.empty()) {
-                out->lines.push_back(partial_);
+                out->push_back({partial_});
             }
             ClearPartial();
             continue;

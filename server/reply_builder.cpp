@@ -8,10 +8,14 @@ namespace {
 constexpr size_t kMaxReportChars = AT_REPORT_STR_LEN - 1;
 constexpr char kLineBreak[] = "\r\n";
 constexpr size_t kLineBreakLen = sizeof kLineBreak - 1;
+constexpr char kLineTooLong[] = "ERROR: reply line too long";
 
 }  // namespace
 
 ReplyText OkReply(const std::vector<std::string> &infoLines) {
+    for (const std::string &line : infoLines) {
+        if (line.size() > kMaxReportChars) return LineTooLongReply(line.size());
+    }
     ReplyText reply;
     reply.retVal = AT_RET_OK;
     size_t kept = 0;
@@ -30,6 +34,12 @@ ReplyText ErrorReply(int32_t retVal, const std::string &finalLine) {
     ReplyText reply;
     reply.retVal = retVal;
     reply.text = finalLine.substr(0, kMaxReportChars);
+    return reply;
+}
+
+ReplyText LineTooLongReply(size_t length) {
+    ReplyText reply = ErrorReply(AT_RET_ERROR, kLineTooLong);
+    reply.lineTooLong = length;
     return reply;
 }
 

@@ -9,6 +9,7 @@
 #include "atapi/at_link.h"
 #include "link/ats_paths.h"
 #include "platform/bounded.h"
+#include "queue_room.h"
 #include "runtime_files.h"
 #include "server_log.h"
 
@@ -91,6 +92,8 @@ bool RequestQueues::Create() {
         return false;
     }
     Logf("queues created: requests %d, replies %d", requestQid_, replyQid_);
+    RaiseQueueRoom(requestQid_, "request");
+    replyRoom_ = RaiseQueueRoom(replyQid_, "reply");
     return true;
 }
 
@@ -141,6 +144,11 @@ RequestQueues::SendResult RequestQueues::SendReply(const AtSrvMsg &reply) {
     }
     LogWarn("reply to %d failed: %s", reply.mtype, std::strerror(errno));
     return SendResult::kFailed;
+}
+
+size_t RequestQueues::RepliesWaiting() const {
+    msqid_ds attrs{};
+    return msgctl(replyQid_, IPC_STAT, &attrs) == 0 ? attrs.msg_qnum : 0;
 }
 
 bool RequestQueues::DropOldestReply() {

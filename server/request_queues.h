@@ -34,6 +34,8 @@ class RequestQueues {
 
     // Removes the queues a crashed run left behind and creates both.
     bool Create();
+    // The records the reply queue holds (known after Create).
+    size_t ReplyRoom() const { return replyRoom_; }
     // Deletes both queues (also done by the destructor).
     void Destroy();
 
@@ -43,6 +45,8 @@ class RequestQueues {
 
     enum class SendResult { kSent, kFull, kFailed };
     SendResult SendReply(const AtSrvMsg &reply);
+    // Replies not yet taken (0 when that cannot be read).
+    size_t RepliesWaiting() const;
     // Drops the oldest unread reply (the queue is full of replies that no
     // client came for). False when there was none.
     bool DropOldestReply();
@@ -50,6 +54,7 @@ class RequestQueues {
   private:
     int requestQid_ = -1;
     int replyQid_ = -1;
+    size_t replyRoom_ = 0;
 };
 
 }  // namespace atserver

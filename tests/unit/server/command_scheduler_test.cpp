@@ -6,6 +6,8 @@
 //   "1: 2 text"       a reply to requester 1: class and text ("1: 2" has none)
 //   "report ^RSSI: 1" a line handed to the report sink
 //   "probe failed"    the tick that gives up on a silent modem
+// Dropped(n) stands for an over-long modem line of n bytes that the line
+// reader dropped.
 #include "command_scheduler.h"
 
 #include <gtest/gtest.h>
@@ -23,14 +25,14 @@ namespace {
 constexpr int64_t kProbeWindowMs = 5000;
 
 struct Input {
-    enum Kind { kRequest, kBadRequest, kMalformed, kControl, kLine, kTick, kUp, kDown };
+    enum Kind { kRequest, kBadRequest, kMalformed, kControl, kLine, kDropped, kTick, kUp, kDown };
     Kind kind = kLine;
     std::string text = {};  // command line or modem line
     int32_t mtype = 0;
     uint32_t reqType = AT_REQ_COMMAND;
     int32_t timeoutSec = 10;
     std::string atName = {};
-    int64_t ms = 0;  // the time of a tick, the probe window of a port that comes up
+    int64_t ms = 0;  // the time of a tick, the probe window of a port, a dropped line's length
 };
 
 Input Req(int32_t mtype, std::string cmd, int32_t timeoutSec = 10, std::string atName = "") {
@@ -44,6 +46,7 @@ Input Abort(int32_t mtype, std::string cmd) {
 Input Clear(int32_t mtype) { return {Input::kControl, "AT", mtype, AT_REQ_CLEAR}; }
 Input ClearAll(int32_t mtype) { return {Input::kControl, "AT", mtype, AT_REQ_CLEAR_ALL}; }
 Input Line(std::string line) { return {Input::kLine, std::move(line)}; }
+Input Dropped(int64_t length) { return {.kind = Input::kDropped, .ms = length}; }
 Input At(int64_t ms) { return {.kind = Input::kTick, .ms = ms}; }
 Input Up(int64_t windowMs = kProbeWindowMs) { return {.kind = Input::kUp, .ms = windowMs}; }
 Input Down() { return {Input::kDown}; }
@@ -81,6 +84,9 @@ class Harness final : private CommandScheduler::Io {
                 break;
             case Input::kLine:
                 scheduler_.OnLine(in.text, now_);
+                break;
+            case Input::kDropped:
+                scheduler_.OnOverlongLine(static_cast<size_t>(in.ms));
                 break;
             case Input::kTick:
                 now_ = in.ms;
@@ -221,10 +227,14 @@ TEST(CommandScheduler, ReplyTextPerResultClass) {
         {{"BUSY"}, "1: 5 BUSY"},
         {{"NO ANSWER"}, "1: 5 NO ANSWER"},
         {{"NO DIALTONE"}, "1: 5 NO DIALTONE"},
-        // Text that does not fit is cut at a line boundary.
+        // Text that does not fit is cut at a line boundary; a line that no
+        // reply holds fails the command, wherever it stands.
         {{fits, "c", "OK"}, "1: 2 " + fits},
         {{head, tail, "d", "OK"}, "1: 2 " + head + "\r\n" + tail},
-        {{fits + "a", "OK"}, "1: 2"},
+        {{fits + "a", "OK"}, "1: 5 ERROR: reply line too long"},
+        {{"+X: 1", fits + "a", "OK"}, "1: 5 ERROR: reply line too long"},
+        {{fits, "c", fits + "a", "OK"}, "1: 5 ERROR: reply line too long"},
+        {{fits + "a", "+CME ERROR: 10"}, "1: 3 +CME ERROR: 10"},
     };
     for (const Row &row : rows) {
         SCOPED_TRACE(row.reply.substr(0, 40));
@@ -271,6 +281,39 @@ TEST(CommandScheduler, UnsolicitedLinesStayOutOfReplies) {
           {Line("+X: 1"), {"report +X: 1"}},
           {Line("+CMT: ,24"), {"report +CMT: ,24"}},
           {Line(pdu), {"report " + pdu}}}},
+    });
+}
+
+TEST(CommandScheduler, ADroppedLineFailsTheCommandItInterrupts) {
+    Play({
+        {"an OK reply becomes an error; the next command is served normally",
+         {{Req(1, "AT+A"), {"> AT+A"}},
+          {Req(2, "AT+B"), {}},
+          {Line("A1"), {}},
+          {Dropped(5000), {}},
+          {Line("A2"), {}},
+          {Line("OK"), {"1: 5 ERROR: reply line too long", "> AT+B"}},
+          {Line("B1"), {}},
+          {Line("OK"), {"2: 2 B1"}}}},
+        {"an error reply keeps the modem's result",
+         {{Req(1, "AT+A"), {"> AT+A"}},
+          {Dropped(3000), {}},
+          {Line("+CME ERROR: 10"), {"1: 3 +CME ERROR: 10"}}}},
+        {"a line dropped while nothing runs belongs to no command",
+         {{Dropped(3000), {}}, {Req(1, "AT+A"), {"> AT+A"}}, {Line("OK"), {"1: 2"}}}},
+        {"a line a report announced is the report's",
+         {{Req(1, "AT+A"), {"> AT+A"}},
+          {Line("+CMT: ,24"), {"report +CMT: ,24"}},
+          {Dropped(3000), {}},
+          {Line("A1"), {}},
+          {Line("OK"), {"1: 2 A1"}}}},
+        {"a line dropped while an aborted command drains fails nothing",
+         {{Req(1, "AT+A"), {"> AT+A"}},
+          {Req(2, "AT+B"), {}},
+          {Abort(1, "AT+A"), {"1: 14 AT_ABORTED"}},
+          {Dropped(3000), {}},
+          {Line("OK"), {"> AT+B"}},
+          {Line("OK"), {"2: 2"}}}},
     });
 }
 

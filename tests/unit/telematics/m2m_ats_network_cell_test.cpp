@@ -2,17 +2,22 @@
 // technology as modems report it, the failures that keep what the mapping
 // filled, and the neighbour list with its preference for newer technologies.
 
-#include <deque>
 #include <string>
 #include <vector>
 
 #include "atapi/m2m_ats_network.h"
-#include "command_cases.h"
+#include "error_classes.h"
 
 namespace atapi::test {
 namespace {
 
 constexpr unsigned char kFill = 0x5A;
+// Every error class fails and leaves errorId at -3 (not completed).
+constexpr Convention kNotCompleted{{-1, AT_ERRID_NOT_COMPLETED},
+                                   {-1, AT_ERRID_NOT_COMPLETED},
+                                   {-1, AT_ERRID_NOT_COMPLETED},
+                                   {-1, AT_ERRID_NOT_COMPLETED},
+                                   {-1, AT_ERRID_NOT_COMPLETED}};
 
 Step Monsc(std::string reply) {
     return Ok("AT^MONSC", std::move(reply)).Prefix("^MONSC:").Timeout(30);
@@ -28,7 +33,7 @@ auto Serving(int32_t rat, int32_t arfcn, int32_t cellId, int32_t lac, int32_t er
 // clang-format off
 TEST(M2mAtsNetwork, ServingCellPerTechnology) {
     const auto get = [](MonscInfo &m) { return AtGetMonsc(&m); };
-    RunCommandCases<MonscInfo>({
+    RunCommandCases<MonscInfo>(Cases<MonscInfo>{
         // GSM: band in the arfcn field, the channel behind it.
         {"GSM", get, {Monsc("^MONSC: GSM,460,00,1,62,25,1B7D,25F0,-75")}, 0,
          Serving(AT_CELL_RAT_GSM, 62, 0x1B7D, 0x25F0, AT_ERRID_OK)},
@@ -60,12 +65,7 @@ TEST(M2mAtsNetwork, ServingCellPerTechnology) {
          {Monsc("^MONSC: LTE,001,01,123456789012,A1B2C3,123,00C3")}, 0,
          Serving(AT_CELL_RAT_LTE, 0, 0, 0, AT_ERRID_OK)},
         {"a reply without the prefix", get, {Monsc("")}, -1, Serving(0, 0, 0, 0, AT_ERRID_NOT_COMPLETED)},
-        {"an error reply leaves the record", get,
-         {Fails("AT^MONSC", AT_RET_CME_ERROR, "+CME ERROR: 30")}, -1,
-         [](MonscInfo &m) { m.errorId = AT_ERRID_NOT_COMPLETED; }},
-        {"a failed exchange", get, {ExchangeFails("AT^MONSC")}, -1,
-         [](MonscInfo &m) { m.errorId = AT_ERRID_NOT_COMPLETED; }},
-    }, Filled<MonscInfo>(kFill));
+    } + ErrorCases<MonscInfo>("serving cell", get, "AT^MONSC", kNotCompleted, &MonscInfo::errorId), Filled<MonscInfo>(kFill));
     EXPECT_EQ(AtGetMonsc(nullptr), -1);
 }
 // clang-format on
@@ -117,13 +117,11 @@ auto Listed(const std::vector<MonncNeighbor> &cells) {
 // clang-format off
 TEST(M2mAtsNetwork, NeighbourCells) {
     const auto get = [](MonncInfo &m) { return AtGetMonnc(&m); };
-    std::vector<CommandCase<MonncInfo>> cases;
-    std::deque<std::string> names;
+    Cases<MonncInfo> cases = ErrorCases<MonncInfo>("neighbours", get, "AT^MONNC", kFails);
     for (int32_t rat = AT_CELL_RAT_GSM; rat <= AT_CELL_RAT_NR; ++rat) {
         for (int32_t n = 1; n <= AT_MONNC_MAX_NEIGHBORS; ++n) {
             const auto cells = Cells(rat, n, 100 * (rat + 1));
-            names.push_back(std::to_string(n) + " of rat " + std::to_string(rat));
-            cases.push_back({names.back().c_str(), get, {Monnc(Lines(cells))}, 0, Listed(cells)});
+            cases.push_back({std::to_string(n) + " of rat " + std::to_string(rat), get, {Monnc(Lines(cells))}, 0, Listed(cells)});
         }
     }
     const auto lte8 = Cells(AT_CELL_RAT_LTE, 8, 1300);
@@ -133,7 +131,7 @@ TEST(M2mAtsNetwork, NeighbourCells) {
                        Cells(AT_CELL_RAT_LTE, 1, 1850) + Cells(AT_CELL_RAT_NR, 1, 636666);
     const auto mixedOrdered = Cells(AT_CELL_RAT_NR, 1, 636666) + Cells(AT_CELL_RAT_LTE, 1, 1850) +
                               Cells(AT_CELL_RAT_TD_SCDMA, 1, 10055) + Cells(AT_CELL_RAT_GSM, 1, 62);
-    const std::vector<CommandCase<MonncInfo>> more = {
+    const Cases<MonncInfo> more = {
         {"no neighbours", get, {Monnc("^MONNC: NONE")}, 0, Listed({})},
         {"a first NONE line ends the list", get, {Monnc("^MONNC: NONE\r\n" + Lines(lte8))}, 0, Listed({})},
         {"eight LTE and three GSM: six LTE", get,
@@ -143,10 +141,8 @@ TEST(M2mAtsNetwork, NeighbourCells) {
         {"one of each, newest first", get, {Monnc(Lines(mixed))}, 0, Listed(mixedOrdered)},
         {"a rat of another name", get, {Monnc(Neighbor(AT_CELL_RAT_LTE, 1300) + "\r\n^MONNC: CDMA,283,1")}, -1},
         {"a reply without the prefix", get, {Monnc("")}, -1},
-        {"an error reply", get, {Fails("AT^MONNC", AT_RET_ERROR, "ERROR")}, -1},
     };
-    cases.insert(cases.end(), more.begin(), more.end());
-    RunCommandCases<MonncInfo>(cases, Filled<MonncInfo>(kFill));
+    RunCommandCases<MonncInfo>(cases + more, Filled<MonncInfo>(kFill));
     EXPECT_EQ(AtGetMonnc(nullptr), -1);
 }
 // clang-format on

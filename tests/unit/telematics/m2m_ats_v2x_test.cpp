@@ -7,6 +7,8 @@
 
 #include <cstring>
 #include <initializer_list>
+#include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -55,25 +57,13 @@ TEST(M2mAtsV2x, CommandsAndTheParseStep) {
     preset.txPwr = {1, -2, 3, 4294967295u};
     const auto antenna = [](R &) { return AtsV2xSetDualAntSwitch(1); };
     const auto txPwr = [](R &r) { return AtsV2xTxPwrRptCfgExecute(&r.txPwr); };
-    RunCommandCases<R>(Cases<R>{
+    Cases<R> cases = Cases<R>{
         {"mode query fails at the parse step", modeCfg(0, 0, 1), {Ok("AT^VMODE?", "^VMODE: 0,1").Prefix("").Timeout(30)}, -1},
         {"mode set", modeCfg(1, 0, 1), {Ok("AT^VMODE=0,1").Prefix("").Timeout(30)}, 0},
         {"rat 1 is not sent", modeCfg(1, 1, 0), {}, -1},
         {"mode 2 is not sent", modeCfg(1, 0, 2), {}, -1},
         {"mode -1 is not sent", modeCfg(1, 0, -1), {}, -1},
         {"unknown cmdType", modeCfg(2, 0, 1), {}, -1},
-        {"CBR", [](R &r) { return AtsV2xCbrQuery(&r.cbr); }, {Ok("AT^CBR?", "^CBR: 30,45").Prefix("^CBR:")}, -1},
-        {"sync source", [](R &r) { return AtsV2xAccessSyncInfoQuery(&r.sync); },
-         {Ok("AT^VSYNCSRC?", "^VSYNCSRC: 1,0,54590").Prefix("^VSYNCSRC:")}, -1},
-        {"PDCP counters", [](R &r) { return AtsV2xGetPdcpPacketStats(&r.pdcp); },
-         {Ok("AT^PTRRPT?", "^PTRRPT: 1200,3400,12,34").Prefix("")}, -1},
-        {"physical-layer counters", [](R &r) { return AtsV2xGetPhyPacketStats(&r.phy); },
-         {Ok("AT^VPHYSTAT?", "^VPHYSTAT: 10,20,30,40,50,7").Prefix("")}, -1},
-        {"RSRP", [](R &r) { return AtsV2xGetRsrp(&r.rsrp); },
-         {Ok("AT^VSNRRSRP?", "^VSNRRSRP: 1\r\n^VSNRRSRP: -90 -91 -92 -93 -94 -95 -96").Prefix("")}, -1},
-        {"RSSI", [](R &r) { return AtsV2xGetRssi(&r.rssi); }, {Ok("AT^V2XRSSI?", "^V2XRSSI: -60,-62").Prefix("")}, -1},
-        {"antenna switch read", [](R &r) { return AtsV2xGetDualAntSwitch(&r.antSwitch); },
-         {Ok("AT^VTXANTSWITCH?", "^VTXANTSWITCH: 1").Prefix("")}, -1},
         {"antenna switch set", antenna, {Ok("AT^VTXANTSWITCH=1").Prefix("")}, 0},
         {"transmit-power report", txPwr, {Ok("AT^TXPWRRPTCFG=1,-2,3,4294967295").Prefix("")}, 0},
         {"null records are not sent", [](R &) {
@@ -83,7 +73,22 @@ TEST(M2mAtsV2x, CommandsAndTheParseStep) {
          }, {}, -9},
     } + ErrorCases<R>("mode query", modeCfg(0, 0, 1), "AT^VMODE?", kFails) + ErrorCases<R>("mode set", modeCfg(1, 0, 0), "AT^VMODE=0,0", kFails)
       + ErrorCases<R>("antenna switch", antenna, "AT^VTXANTSWITCH=1", kFails)
-      + ErrorCases<R>("transmit-power report", txPwr, "AT^TXPWRRPTCFG=1,-2,3,4294967295", kFails), preset);
+      + ErrorCases<R>("transmit-power report", txPwr, "AT^TXPWRRPTCFG=1,-2,3,4294967295", kFails);
+    // The reads, with their reply and response prefix.
+    const std::tuple<std::string, std::string, std::string, CommandCase<R>::Call> reads[] = {
+        {"AT^CBR?", "^CBR: 30,45", "^CBR:", [](R &r) { return AtsV2xCbrQuery(&r.cbr); }},
+        {"AT^VSYNCSRC?", "^VSYNCSRC: 1,0,54590", "^VSYNCSRC:", [](R &r) { return AtsV2xAccessSyncInfoQuery(&r.sync); }},
+        {"AT^PTRRPT?", "^PTRRPT: 1200,3400,12,34", "", [](R &r) { return AtsV2xGetPdcpPacketStats(&r.pdcp); }},
+        {"AT^VPHYSTAT?", "^VPHYSTAT: 10,20,30,40,50,7", "", [](R &r) { return AtsV2xGetPhyPacketStats(&r.phy); }},
+        {"AT^VSNRRSRP?", "^VSNRRSRP: 1\r\n^VSNRRSRP: -90 -91 -92 -93 -94 -95 -96", "", [](R &r) { return AtsV2xGetRsrp(&r.rsrp); }},
+        {"AT^V2XRSSI?", "^V2XRSSI: -60,-62", "", [](R &r) { return AtsV2xGetRssi(&r.rssi); }},
+        {"AT^VTXANTSWITCH?", "^VTXANTSWITCH: 1", "", [](R &r) { return AtsV2xGetDualAntSwitch(&r.antSwitch); }},
+    };
+    for (const auto &[line, reply, prefix, read] : reads) {
+        cases = cases + Cases<R>{{line + " fails at the parse step", read, {Ok(line, reply).Prefix(prefix)}, -1}}
+                      + ErrorCases<R>(line, read, line, kFails);
+    }
+    RunCommandCases<R>(cases, preset);
 }
 
 TEST(M2mAtsV2x, ChannelBusyRatioAndSyncSource) {

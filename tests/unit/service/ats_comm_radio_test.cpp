@@ -122,10 +122,13 @@ TEST(AtsCommRadio, Antennas) {
     const auto single = [](uint32_t cmdType) {
         return [cmdType](SingleAntModeInfo &m) { m = {1, 0, 1, 2, m.errorId}; return AtSingleAntMode(cmdType, &m); };
     };
-    RunCommandCases<SingleAntModeInfo>({
+    const auto input = [](SingleAntModeInfo &m) { m = {1, 0, 1, 2, m.errorId}; };
+    RunCommandCases<SingleAntModeInfo>(Cases<SingleAntModeInfo>{
         {"set", single(AT_COMM_SET), {Ok("AT^ANTMODE=1,0,1,2")}, 0, [](SingleAntModeInfo &m) { m = {1, 0, 1, 2, AT_ERRID_OK}; }},
         {"query", single(AT_COMM_QUERY), {Ok("AT^ANTMODE?", "^ANTMODE: 0,1,0,3")}, 0, [](SingleAntModeInfo &m) { m = {0, 1, 0, 3, AT_ERRID_OK}; }},
-    }, Filled<SingleAntModeInfo>(kFill));
+    } + ErrorCases<SingleAntModeInfo>("set", single(AT_COMM_SET), "AT^ANTMODE=1,0,1,2", kSimple, &SingleAntModeInfo::errorId, input)
+      + ErrorCases<SingleAntModeInfo>("query", single(AT_COMM_QUERY), "AT^ANTMODE?", kListClass, &SingleAntModeInfo::errorId, input),
+      Filled<SingleAntModeInfo>(kFill));
     const auto backup = [](BackupAntCtrlInfo &b) { b.values[2] = 4294967295u; return AtBackupAntCtrl(&b); };
     RunCommandCases<BackupAntCtrlInfo>(Cases<BackupAntCtrlInfo>{
         {"five values", backup, {Ok("AT^BACKUPANTCTRL=1,0,4294967295,3,4").Prefix("")}, 0,

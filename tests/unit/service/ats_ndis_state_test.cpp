@@ -145,11 +145,13 @@ TEST(AtsNdisState, Settings) {
         {"card mode", mode, {Ok("AT^CARDMODE", "^CARDMODE: 2").Prefix("^CARDMODE").Timeout(30)}, 0,
          [](CardModeInfo &r) { r = {2, AT_ERRID_OK}; }},
     } + ErrorCases<CardModeInfo>("card mode", mode, "AT^CARDMODE", kListClass, &CardModeInfo::errorId), Filled<CardModeInfo>(kFill));
-    RunCommandCases<HfeatureStatusInfo>({
-        {"feature status", [](HfeatureStatusInfo &h) { return AtHfeatureStatus(3, &h); },
+    const auto feature = [](HfeatureStatusInfo &h) { return AtHfeatureStatus(3, &h); };
+    RunCommandCases<HfeatureStatusInfo>(Cases<HfeatureStatusInfo>{
+        {"feature status", feature,
          {Ok("AT^HFEATURESTAT=3", "^HFEATURESTAT: 3,1,0,2,0,5").Prefix("^HFEATURESTAT")}, 0,
          [](HfeatureStatusInfo &h) { h = {3, 1, 0, 2, 0, 5, AT_ERRID_OK}; }},
-    }, Filled<HfeatureStatusInfo>(kFill));
+    } + ErrorCases<HfeatureStatusInfo>("feature", feature, "AT^HFEATURESTAT=3", kListClass, &HfeatureStatusInfo::errorId),
+      Filled<HfeatureStatusInfo>(kFill));
     const auto cpin = [](CpinInfo &r) { return AtCpinCheck(&r); };
     RunCommandCases<CpinInfo>(Cases<CpinInfo>{
         {"PIN state", cpin, {Ok("AT+CPIN?", "+CPIN: READY").Prefix("+CPIN")}, 0,
@@ -244,14 +246,15 @@ TEST(AtsNdisDhcp, DhcpV6AndRouterAdvertisement) {
         {"cid 1 reads the default connection", dhcp(1), {Ok("AT^DHCPV6?", reply).Prefix("^DHCPV6").Timeout(30)}, 0, addresses},
         {"another cid", dhcp(3), {Ok("AT^DHCPV6=3", reply)}, 0, addresses},
     } + ErrorCases<DhcpV6Info>("addresses", dhcp(3), "AT^DHCPV6=3", kListFails, &DhcpV6Info::errorId), Filled<DhcpV6Info>(kFill));
-    RunCommandCases<ApRaInfo>({
-        {"router advertisement", [](ApRaInfo &r) { return AtApRaInfo(1, &r); },
+    const auto ra = [](ApRaInfo &r) { return AtApRaInfo(1, &r); };
+    RunCommandCases<ApRaInfo>(Cases<ApRaInfo>{
+        {"router advertisement", ra,
          {Ok("AT^APRAINFO=1", "^APRAINFO: 1500,\"2001:db8:1::/64\",3600,7200,0,1").Prefix("^APRAINFO").Timeout(30)}, 0,
          [](ApRaInfo &r) {
              r.ipv6Mtu = 1500; SetText(r.prefix, "2001:db8:1::/64");
              r.preferredLifetime = 3600; r.validLifetime = 7200; r.errorId = AT_ERRID_OK;
          }},
-    }, Filled<ApRaInfo>(kFill));
+    } + ErrorCases<ApRaInfo>("router advertisement", ra, "AT^APRAINFO=1", kListClass, &ApRaInfo::errorId), Filled<ApRaInfo>(kFill));
     EXPECT_EQ(AtDhcpV6(1, nullptr), -1);
     EXPECT_EQ(AtApRaInfo(1, nullptr), -1);
 }

@@ -98,7 +98,9 @@ TEST(AtsNdis, AuthData) {
         {"by cid: none matches, the last line stays", byCid(2), {query}, -1, Auth(3, 1, "pw", "bob", "", 0, true)},
         {"by cid: a line of another command", byCid(1), {Ok("AT^AUTHDATA?", "^CGAUTH: 1,0")}, -1,
          [](R &a) { std::memset(&a, 0, sizeof a); }},
-    } + ErrorCases<R>("set", set, line, kSimple, &R::errorId, input), Filled<R>(kFill));
+    } + ErrorCases<R>("set", set, line, kSimple, &R::errorId, input)
+      + ErrorCases<R>("first context", [](R &a) { return AtGetAuthData(&a); }, "AT^AUTHDATA?", kListClass, &R::errorId)
+      + ErrorCases<R>("by cid", byCid(1), "AT^AUTHDATA?", kFails), Filled<R>(kFill));
     EXPECT_EQ(AtAuthDataHandler(nullptr), -1);
     EXPECT_EQ(AtGetAuthData(nullptr), -1);
     EXPECT_EQ(AtGetAuthDataByCid(nullptr, 1), -1);

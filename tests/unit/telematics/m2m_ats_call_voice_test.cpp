@@ -108,9 +108,7 @@ TEST(M2mAtsCallVoice, PcmInterface) {
     EXPECT_EQ(AtCpcmCheck(nullptr), -1);
     EXPECT_EQ(AtCpcmExecute(nullptr), -1);
 }
-// clang-format on
 
-// clang-format off
 TEST(M2mAtsVoiceCall, PcmFrequency) {
     using R = PcmFrqInfo;
     const auto op = [](uint32_t o) { return [o](R &r) { return AtPcmfr(o, &r); }; };

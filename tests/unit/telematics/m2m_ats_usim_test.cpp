@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "command_cases.h"
+#include "error_classes.h"
 
 namespace atapi::test {
 namespace {
@@ -18,14 +18,11 @@ TEST(M2mAtsUsim, SimState) {
     using R = SimSqInfo;
     const auto query = [](R &r) { return AtSimSqQuery(&r); };
     const auto read = [](int32_t mode, int32_t status) { return [=](R &r) { r = {mode, status}; }; };
-    RunCommandCases<R>({
+    RunCommandCases<R>(Cases<R>{
         {"state", query, {Ok("AT^SIMSQ?", "^SIMSQ: 1,12").Prefix("^SIMSQ:").Timeout(5)}, 0, read(1, 12)},
         {"a missing field is left", query, {Ok("AT^SIMSQ?", "^SIMSQ: 0")}, 0, read(0, 7)},
         {"OK without the state", query, {Ok("AT^SIMSQ?", "")}, -1},
-        {"+CME ERROR", query, {Fails("AT^SIMSQ?", AT_RET_CME_ERROR, "+CME ERROR: 10")}, -1},
-        {"aborted", query, {Fails("AT^SIMSQ?", AT_RET_ABORTED, "AT_ABORTED")}, -1},
-        {"exchange failed", query, {ExchangeFails("AT^SIMSQ?")}, -1},
-    }, R{7, 7});
+    } + ErrorCases<R>("state", query, "AT^SIMSQ?", kFails), R{7, 7});
     EXPECT_EQ(AtSimSqQuery(nullptr), -1);
 }
 
@@ -36,12 +33,12 @@ TEST(M2mAtsUsim, EuiccId) {
     const auto query = [](R &r) { return AtEuiccIdQuery(r.eid); };
     const auto becomes = [](std::string eid) { return [eid](R &r) { SetText(r.eid, eid.c_str()); }; };
     const std::string longest(63, '8');
-    RunCommandCases<R>({
+    RunCommandCases<R>(Cases<R>{
         {"identifier", query, {Ok("AT^ESIMEID?", std::string("^ESIMEID: ") + kEid).Prefix("").Timeout(5)}, 0, becomes(kEid)},
         {"63 characters fit", query, {Ok("AT^ESIMEID?", "^ESIMEID: " + longest)}, 0, becomes(longest)},
         {"64 characters fail the copy", query, {Ok("AT^ESIMEID?", "^ESIMEID: " + longest + "9")}, -1, becomes("")},
         {"OK without the identifier", query, {Ok("AT^ESIMEID?", "")}, -1},
-    }, Filled<R>(0x5A));
+    } + ErrorCases<R>("identifier", query, "AT^ESIMEID?", kFails), Filled<R>(0x5A));
     EXPECT_EQ(AtEuiccIdQuery(nullptr), -1);
 }
 // clang-format on
@@ -56,7 +53,9 @@ TEST(M2mAtsUsim, RestrictedAccessWithPath) {
         const char *response;  // null: none stored
         int32_t errorId;
     };
-    constexpr int32_t kKept = 0x5A5A5A5A;
+    constexpr int32_t kUntouched = 0x5A5A5A5A;
+    const CrsmPidReq iccid{176, 12258, 0, 0, 10, nullptr, "3F00"};
+    const std::string iccidLine = "AT+CRSM=176,12258,0,0,10,\"\",\"3F00\"";
     const std::string longData(1600, 'A');
     const std::string cut = "AT+CRSM=214,28542,0,0,2,\"" + longData;
     // clang-format off
@@ -70,17 +69,20 @@ TEST(M2mAtsUsim, RestrictedAccessWithPath) {
          Ok("AT+CRSM=214,28542,0,0,2,\"0102\",\"\"", "+CRSM: 106,130"), 0, 106, 130, nullptr, AT_ERRID_OK},
         {"an overlong line is cut and sent", {214, 28542, 0, 0, 2, longData.c_str(), "3F00"},
          Ok(cut.substr(0, AT_CMD_STR_LEN - 1), "+CRSM: 103,0"), 0, 103, 0, nullptr, AT_ERRID_OK},
-        {"+CME ERROR keeps errorId", {176, 12258, 0, 0, 10, nullptr, "3F00"},
-         Fails("AT+CRSM=176,12258,0,0,10,\"\",\"3F00\"", AT_RET_CME_ERROR, "+CME ERROR: 10"), -1, kKept, kKept, nullptr, kKept},
-        {"OK without +CRSM", {176, 12258, 0, 0, 10, nullptr, "3F00"},
-         Ok("AT+CRSM=176,12258,0,0,10,\"\",\"3F00\"", ""), -1, kKept, kKept, nullptr, kKept},
+        {"OK without +CRSM", iccid, Ok(iccidLine, ""), -1, kUntouched, kUntouched, nullptr, kUntouched},
+        // Every error class fails and keeps errorId.
+        {"ERROR", iccid, Fails(iccidLine, AT_RET_ERROR, "ERROR"), -1, kUntouched, kUntouched, nullptr, kUntouched},
+        {"+CME ERROR", iccid, Fails(iccidLine, AT_RET_CME_ERROR, "+CME ERROR: 10"), -1, kUntouched, kUntouched, nullptr, kUntouched},
+        {"+CMS ERROR", iccid, Fails(iccidLine, AT_RET_CMS_ERROR, "+CMS ERROR: 316"), -1, kUntouched, kUntouched, nullptr, kUntouched},
+        {"AT_ABORTED", iccid, Fails(iccidLine, AT_RET_ABORTED, "AT_ABORTED"), -1, kUntouched, kUntouched, nullptr, kUntouched},
+        {"a lost exchange", iccid, ExchangeFails(iccidLine), -1, kUntouched, kUntouched, nullptr, kUntouched},
     };
     // clang-format on
     for (const Case &c : cases) {
         SCOPED_TRACE(c.name);
         IsolatedRuntime runtime;
         ScriptedModem modem(runtime, {c.step});
-        CrsmPidResult r{kKept, kKept, nullptr, kKept};
+        CrsmPidResult r{kUntouched, kUntouched, nullptr, kUntouched};
         EXPECT_EQ(AtCrsmPid(&c.request, &r), c.result);
         modem.Verify();
         EXPECT_EQ(r.sw1, c.sw1);

@@ -1,18 +1,30 @@
-// Cell monitoring against the scripted modem: the serving cell of each
-// technology as modems report it, the failures that keep what the mapping
-// filled, and the neighbour list with its preference for newer technologies.
+// Cell monitoring, jamming detection and RSSI reports against the scripted
+// modem: the serving cell of each technology as modems report it, the
+// failures that keep what the mapping filled, the neighbour list with its
+// preference for newer technologies, and the report rows stored by their
+// technology, the slots a reply does not name left as the caller had them.
 
-#include <deque>
+#include "atapi/m2m_ats_network.h"
+
 #include <string>
 #include <vector>
 
-#include "atapi/m2m_ats_network.h"
-#include "command_cases.h"
+#include "error_classes.h"
 
 namespace atapi::test {
 namespace {
 
 constexpr unsigned char kFill = 0x5A;
+
+struct NoRecord {
+    char unused;
+};
+// Every error class fails and leaves errorId at -3 (not completed).
+constexpr Convention kNotCompleted{{-1, AT_ERRID_NOT_COMPLETED},
+                                   {-1, AT_ERRID_NOT_COMPLETED},
+                                   {-1, AT_ERRID_NOT_COMPLETED},
+                                   {-1, AT_ERRID_NOT_COMPLETED},
+                                   {-1, AT_ERRID_NOT_COMPLETED}};
 
 Step Monsc(std::string reply) {
     return Ok("AT^MONSC", std::move(reply)).Prefix("^MONSC:").Timeout(30);
@@ -28,7 +40,7 @@ auto Serving(int32_t rat, int32_t arfcn, int32_t cellId, int32_t lac, int32_t er
 // clang-format off
 TEST(M2mAtsNetwork, ServingCellPerTechnology) {
     const auto get = [](MonscInfo &m) { return AtGetMonsc(&m); };
-    RunCommandCases<MonscInfo>({
+    RunCommandCases<MonscInfo>(Cases<MonscInfo>{
         // GSM: band in the arfcn field, the channel behind it.
         {"GSM", get, {Monsc("^MONSC: GSM,460,00,1,62,25,1B7D,25F0,-75")}, 0,
          Serving(AT_CELL_RAT_GSM, 62, 0x1B7D, 0x25F0, AT_ERRID_OK)},
@@ -60,12 +72,7 @@ TEST(M2mAtsNetwork, ServingCellPerTechnology) {
          {Monsc("^MONSC: LTE,001,01,123456789012,A1B2C3,123,00C3")}, 0,
          Serving(AT_CELL_RAT_LTE, 0, 0, 0, AT_ERRID_OK)},
         {"a reply without the prefix", get, {Monsc("")}, -1, Serving(0, 0, 0, 0, AT_ERRID_NOT_COMPLETED)},
-        {"an error reply leaves the record", get,
-         {Fails("AT^MONSC", AT_RET_CME_ERROR, "+CME ERROR: 30")}, -1,
-         [](MonscInfo &m) { m.errorId = AT_ERRID_NOT_COMPLETED; }},
-        {"a failed exchange", get, {ExchangeFails("AT^MONSC")}, -1,
-         [](MonscInfo &m) { m.errorId = AT_ERRID_NOT_COMPLETED; }},
-    }, Filled<MonscInfo>(kFill));
+    } + ErrorCases<MonscInfo>("serving cell", get, "AT^MONSC", kNotCompleted, &MonscInfo::errorId), Filled<MonscInfo>(kFill));
     EXPECT_EQ(AtGetMonsc(nullptr), -1);
 }
 // clang-format on
@@ -117,13 +124,11 @@ auto Listed(const std::vector<MonncNeighbor> &cells) {
 // clang-format off
 TEST(M2mAtsNetwork, NeighbourCells) {
     const auto get = [](MonncInfo &m) { return AtGetMonnc(&m); };
-    std::vector<CommandCase<MonncInfo>> cases;
-    std::deque<std::string> names;
+    Cases<MonncInfo> cases = ErrorCases<MonncInfo>("neighbours", get, "AT^MONNC", kFails);
     for (int32_t rat = AT_CELL_RAT_GSM; rat <= AT_CELL_RAT_NR; ++rat) {
         for (int32_t n = 1; n <= AT_MONNC_MAX_NEIGHBORS; ++n) {
             const auto cells = Cells(rat, n, 100 * (rat + 1));
-            names.push_back(std::to_string(n) + " of rat " + std::to_string(rat));
-            cases.push_back({names.back().c_str(), get, {Monnc(Lines(cells))}, 0, Listed(cells)});
+            cases.push_back({std::to_string(n) + " of rat " + std::to_string(rat), get, {Monnc(Lines(cells))}, 0, Listed(cells)});
         }
     }
     const auto lte8 = Cells(AT_CELL_RAT_LTE, 8, 1300);
@@ -133,7 +138,7 @@ TEST(M2mAtsNetwork, NeighbourCells) {
                        Cells(AT_CELL_RAT_LTE, 1, 1850) + Cells(AT_CELL_RAT_NR, 1, 636666);
     const auto mixedOrdered = Cells(AT_CELL_RAT_NR, 1, 636666) + Cells(AT_CELL_RAT_LTE, 1, 1850) +
                               Cells(AT_CELL_RAT_TD_SCDMA, 1, 10055) + Cells(AT_CELL_RAT_GSM, 1, 62);
-    const std::vector<CommandCase<MonncInfo>> more = {
+    const Cases<MonncInfo> more = {
         {"no neighbours", get, {Monnc("^MONNC: NONE")}, 0, Listed({})},
         {"a first NONE line ends the list", get, {Monnc("^MONNC: NONE\r\n" + Lines(lte8))}, 0, Listed({})},
         {"eight LTE and three GSM: six LTE", get,
@@ -143,11 +148,79 @@ TEST(M2mAtsNetwork, NeighbourCells) {
         {"one of each, newest first", get, {Monnc(Lines(mixed))}, 0, Listed(mixedOrdered)},
         {"a rat of another name", get, {Monnc(Neighbor(AT_CELL_RAT_LTE, 1300) + "\r\n^MONNC: CDMA,283,1")}, -1},
         {"a reply without the prefix", get, {Monnc("")}, -1},
-        {"an error reply", get, {Fails("AT^MONNC", AT_RET_ERROR, "ERROR")}, -1},
     };
-    cases.insert(cases.end(), more.begin(), more.end());
-    RunCommandCases<MonncInfo>(cases, Filled<MonncInfo>(kFill));
+    RunCommandCases<MonncInfo>(cases + more, Filled<MonncInfo>(kFill));
     EXPECT_EQ(AtGetMonnc(nullptr), -1);
+}
+
+TEST(M2mAtsNetwork, SetLines) {
+    const auto call = [](auto fn) { return [fn](NoRecord &) { return fn(); }; };
+    const auto cfg = [call](int32_t rat) {
+        return call([rat] {
+            const JammingDetectCfg c{rat, 5, 6, 7, 8};
+            return AtSetJammingDetectCfg(&c);
+        });
+    };
+    const auto switchOn = call([] { return AtSetJammingDetctSwitch(1); });
+    RunCommandCases<NoRecord>(Cases<NoRecord>{
+        {"switch on", switchOn, {Ok("AT^JDSWITCH=1").Prefix("").Timeout(30)}, 0},
+        {"GSM thresholds: two values", cfg(AT_JAMMING_RAT_GSM), {Ok("AT^JDCFG=0,5,6")}, 0},
+        {"WCDMA thresholds", cfg(AT_JAMMING_RAT_WCDMA), {Ok("AT^JDCFG=1,5,6,7,8")}, 0},
+        {"LTE thresholds", cfg(AT_JAMMING_RAT_LTE), {Ok("AT^JDCFG=2,5,6,7,8")}, 0},
+        {"rat 3 is refused", cfg(3), {}, -1},
+        {"rat -1 is refused", cfg(-1), {}, -1},
+        {"null thresholds", call([] { return AtSetJammingDetectCfg(nullptr); }), {}, -1},
+        {"RSSI reports on", call([] { return AtSetEmRssiRpt(1); }), {Ok("AT^EMRSSIRPT=1")}, 0},
+        {"RSSI threshold", call([] {
+             const EmRssiCfg c{AT_JAMMING_RAT_LTE, -95};
+             return AtSetEmRssiCfg(&c);
+         }), {Ok("AT^EMRSSICFG=2,-95")}, 0},
+        {"null RSSI threshold", call([] { return AtSetEmRssiCfg(nullptr); }), {}, -1},
+    } + ErrorCases<NoRecord>("switch", switchOn, "AT^JDSWITCH=1", kFails) + ErrorCases<NoRecord>("LTE", cfg(AT_JAMMING_RAT_LTE), "AT^JDCFG=2,5,6,7,8", kFails)
+      + ErrorCases<NoRecord>("RSSI reports", call([] { return AtSetEmRssiRpt(1); }), "AT^EMRSSIRPT=1", kFails), Filled<NoRecord>(0));
+}
+
+TEST(M2mAtsNetwork, SwitchAndReportReads) {
+    const auto get = [](JammingDetectSwitchInfo &i) { return AtGetJammingDetectSwitch(&i); };
+    RunCommandCases<JammingDetectSwitchInfo>(Cases<JammingDetectSwitchInfo>{
+        {"all three", get,
+         {Ok("AT^JDSWITCH?", "^JDSWITCH: 1,0\r\n^JDSWITCH: 1,1\r\n^JDSWITCH: 0,2").Prefix("^JDSWITCH:").Timeout(30)}, 0,
+         [](JammingDetectSwitchInfo &i) { i = {{{0, 1}, {1, 1}, {2, 0}}}; }},
+        {"a row of another rat is skipped", get, {Ok("AT^JDSWITCH?", "^JDSWITCH: 1,4\r\n^JDSWITCH: 1,1")}, 0,
+         [](JammingDetectSwitchInfo &i) { i.entry[1] = {1, 1}; }},
+        {"a reply without the prefix", get, {Ok("AT^JDSWITCH?", "")}, -1},
+    } + ErrorCases<JammingDetectSwitchInfo>("switches", get, "AT^JDSWITCH?", kFails), Filled<JammingDetectSwitchInfo>(kFill));
+    EXPECT_EQ(AtGetJammingDetectSwitch(nullptr), -1);
+
+    const auto rpt = [](int32_t &n) { return AtGetEmRssiRpt(&n); };
+    RunCommandCases<int32_t>(Cases<int32_t>{
+        {"reports on", rpt, {Ok("AT^EMRSSIRPT?", "^EMRSSIRPT: 1").Prefix("^EMRSSIRPT:")}, 0,
+         [](int32_t &n) { n = 1; }},
+    } + ErrorCases<int32_t>("reports", rpt, "AT^EMRSSIRPT?", kFails), Filled<int32_t>(kFill));
+}
+
+TEST(M2mAtsNetwork, ThresholdReads) {
+    const auto cfg = [](JammingDetectCfgInfo &i) { return AtGetJammingDetectCfg(&i); };
+    RunCommandCases<JammingDetectCfgInfo>(Cases<JammingDetectCfgInfo>{
+        {"LTE and GSM rows leave WCDMA", cfg,
+         {Ok("AT^JDCFG?", "^JDCFG: 2,70,20,30,40\r\n^JDCFG: 0,10,20,0,0").Prefix("^JDCFG:").Timeout(30)}, 0,
+         [](JammingDetectCfgInfo &i) {
+             i.cfg[2] = {2, 70, 20, 30, 40};
+             i.cfg[0] = {0, 10, 20, 0, 0};
+         }},
+        {"a GSM row of three fields zeroes the rest", cfg, {Ok("AT^JDCFG?", "^JDCFG: 0,10,20")}, 0,
+         [](JammingDetectCfgInfo &i) { i.cfg[0] = {0, 10, 20, 0, 0}; }},
+    } + ErrorCases<JammingDetectCfgInfo>("thresholds", cfg, "AT^JDCFG?", kFails), Filled<JammingDetectCfgInfo>(kFill));
+
+    const auto rssi = [](EmRssiCfgInfo &i) { return AtGetEmRssiCfg(&i); };
+    RunCommandCases<EmRssiCfgInfo>(Cases<EmRssiCfgInfo>{
+        {"a row of rat 7 is skipped, the others stored", rssi,
+         {Ok("AT^EMRSSICFG?", "^EMRSSICFG: 0,-100\r\n^EMRSSICFG: 7,5\r\n^EMRSSICFG: 2,-95").Prefix("^EMRSSICFG:")}, 0,
+         [](EmRssiCfgInfo &i) {
+             i.cfg[0] = {0, -100};
+             i.cfg[2] = {2, -95};
+         }},
+    } + ErrorCases<EmRssiCfgInfo>("RSSI thresholds", rssi, "AT^EMRSSICFG?", kFails), Filled<EmRssiCfgInfo>(kFill));
 }
 // clang-format on
 

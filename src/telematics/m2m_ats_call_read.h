@@ -1,0 +1,31 @@
+// The reply decoders of the call module's reads, each over the text of an OK
+// reply (parsed as its command's reply, written by the parse); they trust
+// none of it. Reached by the fuzz targets.
+#pragma once
+
+#include <cstdint>
+
+#include "atapi/m2m_ats_call.h"
+
+namespace atapi::call {
+
+// ^TRUSTCNUM=?: the "index" value (at most 9 characters) into info.index;
+// 0 also without one, -1 when the reply does not parse or the value is
+// longer.
+int32_t TrustRangeFromReply(char *reply, AtTrustNumInfo &info);
+
+// ^TRUSTCNUM?: each line from a '^' on that parses fills the next of
+// entries (count, at least 1) with its index and number (at most 25
+// characters) until count are filled; -1 at a number that does not fit.
+int32_t TrustListFromReply(char *reply, AtTrustNumEntry *entries, int32_t count);
+
+// ^ECLMODE?: the "mode" value into mode when it is 0, 1 or 2; -1 for another
+// value or a reply that parses to nothing.
+int32_t EclModeFromReply(char *reply, int32_t &mode);
+
+// ^ECLIMSCFG?: modeType and contentType into ims; the parser's code when it
+// fails, -1 for a modeType that is missing or out of range or a content
+// type that does not fit.
+int32_t ImsCfgFromReply(char *reply, AtsEclImsCfgInfo &ims);
+
+}  // namespace atapi::call

@@ -1,7 +1,8 @@
-// The call module's reply decoders on arbitrary reply text: the trusted
-// number range and list (^TRUSTCNUM), the eCall mode and its IMS
-// configuration. Input: selector byte (decoder; for the list also the number
-// of entries), control byte (allocation failure in the parse), reply text.
+// The call module's reply decoders on arbitrary reply text: the call lists
+// (+CLCC, a ^CLCC line), the trusted number range and list (^TRUSTCNUM), the
+// eCall mode and its IMS configuration. Input: selector byte (decoder; for the
+// lists also their length), control byte (allocation failure in the parse),
+// reply text.
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -24,7 +25,44 @@ using namespace atapi::call;
 
 constexpr uint8_t kUnwritten = 0x5A;
 constexpr size_t kListNumberSize = 26;  // of an entry's 28 bytes
-constexpr size_t kDecoderCount = 4;
+constexpr size_t kDecoderCount = 6;
+constexpr size_t kCallNumberSize = 41;  // of an entry's 44 bytes
+
+// A list of count entries on the heap, every byte kUnwritten, so that a write
+// past the caller's entries meets the sanitizer.
+template <typename Entry>
+std::unique_ptr<Entry[]> Entries(int32_t count) {
+    auto entries = std::make_unique<Entry[]>(static_cast<size_t>(count));
+    std::memset(entries.get(), kUnwritten, sizeof(Entry) * static_cast<size_t>(count));
+    return entries;
+}
+
+// Rows fill list[0..maxIndex] and no further; a stored state is one of 0..5
+// and a number ends within its array.
+void CallList(uint8_t selector, const std::string &text) {
+    ReplyCopy reply(text);
+    const int32_t maxIndex = selector / kDecoderCount % 8;
+    const auto list = Entries<AtsClccInfo>(maxIndex + 1);
+    CallListFromReply(reply.Get(), list.get(), maxIndex);
+    for (int32_t i = 0; i <= maxIndex; ++i) {
+        const AtsClccInfo &call = list[i];
+        Check(Holds(call.stat, kUnwritten) || (call.stat >= 0 && call.stat <= 5));
+        Check(Holds(call.number, kUnwritten) || Terminated(call.number));
+    }
+}
+
+// The number is capped at 40 characters: its last three bytes stay unwritten.
+void CallExLine(uint8_t, const std::string &text) {
+    ReplyCopy line(text);
+    Guarded<AtsClccExInfo> call;
+    std::memset(&call.record, kUnwritten, sizeof call.record);
+    CallExFromLine(line.Get(), call.record);
+    const char *number = call.record.number;
+    Check(call.Intact());
+    Check(Holds(number + kCallNumberSize, sizeof call.record.number - kCallNumberSize, kUnwritten));
+    Check(Holds(number, kCallNumberSize, kUnwritten) ||
+          std::memchr(number, '\0', kCallNumberSize) != nullptr);
+}
 
 void TrustRange(uint8_t, const std::string &text) {
     ReplyCopy reply(text);
@@ -40,8 +78,7 @@ void TrustRange(uint8_t, const std::string &text) {
 void TrustList(uint8_t selector, const std::string &text) {
     ReplyCopy reply(text);
     const int32_t count = 1 + selector / kDecoderCount % 8;
-    const auto entries = std::make_unique<AtTrustNumEntry[]>(static_cast<size_t>(count));
-    std::memset(entries.get(), kUnwritten, sizeof(AtTrustNumEntry) * static_cast<size_t>(count));
+    const auto entries = Entries<AtTrustNumEntry>(count);
     TrustListFromReply(reply.Get(), entries.get(), count);
     for (int32_t i = 0; i < count; ++i) {
         const char *number = entries[i].phonenum;
@@ -70,7 +107,7 @@ void ImsCfg(uint8_t, const std::string &text) {
 }
 
 using Decoder = void (*)(uint8_t selector, const std::string &text);
-constexpr Decoder kDecoders[] = {TrustRange, TrustList, EclMode, ImsCfg};
+constexpr Decoder kDecoders[] = {TrustRange, TrustList, EclMode, ImsCfg, CallList, CallExLine};
 static_assert(std::size(kDecoders) == kDecoderCount);
 
 }  // namespace

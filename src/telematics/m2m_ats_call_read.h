@@ -9,6 +9,15 @@
 
 namespace atapi::call {
 
+// +CLCC: the calls of a reply that names CLCC into list[0..maxIndex] (a row
+// each, the rows behind left out); a state above 5 is not stored. 0 also for
+// a reply without a call; -1 when it does not parse or a number does not fit.
+int32_t CallListFromReply(char *reply, AtsClccInfo *list, int32_t maxIndex);
+
+// One ^CLCC line into call through the field list (number at most 40
+// characters); the field parser's result.
+int32_t CallExFromLine(char *line, AtsClccExInfo &call);
+
 // ^TRUSTCNUM=?: the "index" value (at most 9 characters) into info.index;
 // 0 also without one, -1 when the reply does not parse or the value is
 // longer.

@@ -1,6 +1,6 @@
 // The call module's reply decoders on arbitrary reply text: the call lists
-// (+CLCC, a ^CLCC line), the trusted number range and list (^TRUSTCNUM), the
-// eCall mode and its IMS configuration. Input: selector byte (decoder; for the
+// (+CLCC, a ^CLCC line), the forwarding rules (+CCFC), the trusted number range and list
+// (^TRUSTCNUM), the eCall mode and its IMS configuration. Input: selector byte (decoder; for the
 // lists also their length), control byte (allocation failure in the parse),
 // reply text.
 #include <cstddef>
@@ -25,7 +25,7 @@ using namespace atapi::call;
 
 constexpr uint8_t kUnwritten = 0x5A;
 constexpr size_t kListNumberSize = 26;  // of an entry's 28 bytes
-constexpr size_t kDecoderCount = 6;
+constexpr size_t kDecoderCount = 7;
 constexpr size_t kCallNumberSize = 41;  // of an entry's 44 bytes
 
 // A list of count entries on the heap, every byte kUnwritten, so that a write
@@ -106,8 +106,27 @@ void ImsCfg(uint8_t, const std::string &text) {
     Check(ims.Intact() && Terminated(ims.record.contentType));
 }
 
+// At most ten rules are counted; a rule's number (written from the values
+// of an active rule) stays within 41 of its 44 bytes.
+void Forwarding(uint8_t, const std::string &text) {
+    ReplyCopy reply(text);
+    Guarded<AtsCcfcInfo> info;
+    std::memset(&info.record, kUnwritten, sizeof info.record);
+    info.record.ccfcCount = 0;
+    ForwardingFromReply(reply.Get(), info.record);
+    Check(info.Intact() && info.record.ccfcCount >= 0 && info.record.ccfcCount <= 10);
+    Check(Holds(info.record.number, kUnwritten));
+    for (const AtsCcfcEntry &entry : info.record.entries) {
+        Check(Holds(entry.number + kCallNumberSize, sizeof entry.number - kCallNumberSize,
+                    kUnwritten));
+        Check(Holds(entry.number, kCallNumberSize, kUnwritten) ||
+              std::memchr(entry.number, '\0', kCallNumberSize) != nullptr);
+    }
+}
+
 using Decoder = void (*)(uint8_t selector, const std::string &text);
-constexpr Decoder kDecoders[] = {TrustRange, TrustList, EclMode, ImsCfg, CallList, CallExLine};
+constexpr Decoder kDecoders[] = {TrustRange, TrustList,  EclMode,   ImsCfg,
+                                 CallList,   CallExLine, Forwarding};
 static_assert(std::size(kDecoders) == kDecoderCount);
 
 }  // namespace

@@ -18,6 +18,11 @@ int32_t CallListFromReply(char *reply, AtsClccInfo *list, int32_t maxIndex);
 // characters); the field parser's result.
 int32_t CallExFromLine(char *line, AtsClccExInfo &call);
 
+// +CCFC=reason,2: a forwarding rule per row into info.entries (at most 10),
+// counted in info.ccfcCount; -1 when the reply does not parse or a rule is
+// active (its values behind the status go into the entry's number).
+int32_t ForwardingFromReply(char *reply, AtsCcfcInfo &info);
+
 // ^TRUSTCNUM=?: the "index" value (at most 9 characters) into info.index;
 // 0 also without one, -1 when the reply does not parse or the value is
 // longer.

@@ -1,8 +1,8 @@
 // The call module's reply decoders on arbitrary reply text: the call lists
-// (+CLCC, a ^CLCC line), the forwarding rules (+CCFC), the trusted number range and list
-// (^TRUSTCNUM), the eCall mode and its IMS configuration. Input: selector byte (decoder; for the
-// lists also their length), control byte (allocation failure in the parse),
-// reply text.
+// (+CLCC, a ^CLCC line), the forwarding rules (+CCFC), the trusted number
+// range and list (^TRUSTCNUM), the eCall mode and its IMS configuration.
+// Input: selector byte (decoder; for the lists also their length), control
+// byte (allocation failure in the parse), reply text.
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -28,21 +28,12 @@ constexpr size_t kListNumberSize = 26;  // of an entry's 28 bytes
 constexpr size_t kDecoderCount = 7;
 constexpr size_t kCallNumberSize = 41;  // of an entry's 44 bytes
 
-// A list of count entries on the heap, every byte kUnwritten, so that a write
-// past the caller's entries meets the sanitizer.
-template <typename Entry>
-std::unique_ptr<Entry[]> Entries(int32_t count) {
-    auto entries = std::make_unique<Entry[]>(static_cast<size_t>(count));
-    std::memset(entries.get(), kUnwritten, sizeof(Entry) * static_cast<size_t>(count));
-    return entries;
-}
-
 // Rows fill list[0..maxIndex] and no further; a stored state is one of 0..5
 // and a number ends within its array.
 void CallList(uint8_t selector, const std::string &text) {
     ReplyCopy reply(text);
     const int32_t maxIndex = selector / kDecoderCount % 8;
-    const auto list = Entries<AtsClccInfo>(maxIndex + 1);
+    const auto list = atapi::fuzz::HeapEntries<AtsClccInfo>(maxIndex + 1, kUnwritten);
     CallListFromReply(reply.Get(), list.get(), maxIndex);
     for (int32_t i = 0; i <= maxIndex; ++i) {
         const AtsClccInfo &call = list[i];
@@ -78,7 +69,7 @@ void TrustRange(uint8_t, const std::string &text) {
 void TrustList(uint8_t selector, const std::string &text) {
     ReplyCopy reply(text);
     const int32_t count = 1 + selector / kDecoderCount % 8;
-    const auto entries = Entries<AtTrustNumEntry>(count);
+    const auto entries = atapi::fuzz::HeapEntries<AtTrustNumEntry>(count, kUnwritten);
     TrustListFromReply(reply.Get(), entries.get(), count);
     for (int32_t i = 0; i < count; ++i) {
         const char *number = entries[i].phonenum;

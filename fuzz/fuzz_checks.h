@@ -50,6 +50,15 @@ class ReplyCopy {
     std::unique_ptr<char[]> text_;
 };
 
+// A caller's list of count entries on the heap, every byte b, so that a
+// write past its end meets the sanitizer.
+template <typename Entry>
+std::unique_ptr<Entry[]> HeapEntries(int32_t count, uint8_t b) {
+    auto entries = std::make_unique<Entry[]>(static_cast<size_t>(count));
+    std::memset(entries.get(), b, sizeof(Entry) * static_cast<size_t>(count));
+    return entries;
+}
+
 // A record with guard bytes behind it, which no decoder may touch: a write
 // past a record's end inside a larger object escapes the sanitizer.
 template <typename Record>

@@ -36,8 +36,7 @@ void Switches(uint8_t, const std::string &text) {
 void List(uint8_t selector, const std::string &text) {
     ReplyCopy reply(text);
     const int32_t count = 1 + selector / 2 % 8;
-    const auto entries = std::make_unique<TrustNumEntry[]>(static_cast<size_t>(count));
-    std::memset(entries.get(), kUnwritten, sizeof(TrustNumEntry) * static_cast<size_t>(count));
+    const auto entries = atapi::fuzz::HeapEntries<TrustNumEntry>(count, kUnwritten);
     atapi::sms::TrustNumListFromReply(reply.Get(), entries.get(), count);
     for (int32_t i = 0; i < count; ++i) {
         const char(&number)[sizeof TrustNumEntry::phonenum] = entries[i].phonenum;

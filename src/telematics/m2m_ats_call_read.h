@@ -38,8 +38,8 @@ int32_t TrustListFromReply(char *reply, AtTrustNumEntry *entries, int32_t count)
 int32_t EclModeFromReply(char *reply, int32_t &mode);
 
 // ^ECLIMSCFG?: modeType and contentType into ims; the parser's code when it
-// fails, -1 for a modeType that is missing or out of range or a content
-// type that does not fit.
+// fails, -1 for a modeType without a value or beyond a long (strtol's
+// ERANGE) or a content type longer than 63 characters.
 int32_t ImsCfgFromReply(char *reply, AtsEclImsCfgInfo &ims);
 
 }  // namespace atapi::call

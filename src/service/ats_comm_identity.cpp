@@ -46,16 +46,18 @@ int32_t QueryIdentity(const CommandDescription &description, IdentityText *r) {
     return Command(description).QueryText(r->text, &r->errorId);
 }
 
-// One reply line of ^PHYNUM: the text after its ':' up to the line end,
-// without the blanks in front.
-bool StorePhyNumLine(const char *line, char (&out)[128]) {
+}  // namespace
+
+namespace atapi::comm {
+
+bool StorePhyNumLine(const char *line, char (&out)[kPhyNumLineSize]) {
     const char *colon = line != nullptr ? std::strchr(line, ':') : nullptr;
     if (colon == nullptr) return false;
     const char *text = colon + 1 + std::strspn(colon + 1, " ");
     return strncpy_s(out, sizeof out, text, std::strcspn(text, "\r\n")) == 0;
 }
 
-}  // namespace
+}  // namespace atapi::comm
 
 extern "C" {
 
@@ -91,7 +93,7 @@ int32_t AtQryPhyNum(PhyNumList *l) {
     ReplyLines<AT_PHYNUM_MAX_LINES> lines;
     if (const int32_t ret = Command(kPhyNum).SendLines(lines, &l->errorId); ret != 0) return ret;
     for (int32_t i = 0; i < lines.Count(); ++i) {
-        if (!StorePhyNumLine(lines[i], l->lines[i])) return -1;
+        if (!atapi::comm::StorePhyNumLine(lines[i], l->lines[i])) return -1;
     }
     l->count = static_cast<uint32_t>(lines.Count());
     return 0;

@@ -62,20 +62,6 @@ void Publish(const VersionInfo &v) {
     }
 }
 
-// Stores value in the field of the first keyword it contains; false when
-// it contains none (or does not fit the field, which is left empty).
-bool StoreVersionLine(const char *value, VersionInfo &v) {
-    for (const VersionSlot &slot : kVersionSlots) {
-        if (std::strstr(value, slot.keyword) == nullptr) continue;
-        char *field = reinterpret_cast<char *>(&v) + slot.offset;
-        if (strcpy_s(field, slot.size, value) != 0) return false;
-        v.errorId = 0;
-        AT_LOG_INFO("find cmdStr sucess,return %s", field);
-        return true;
-    }
-    return false;
-}
-
 // The end of a read with all five versions: kept for later calls, unless
 // the user version is the placeholder, which the caller gets empty.
 int32_t FinishVersions(VersionInfo &v) {
@@ -101,23 +87,14 @@ constexpr VersionPart kHardPart{"EXTH:", &VersionInfo::exthVersion, "get hardVer
                                 "get hardVersion failed"};
 constexpr size_t kKeywordLength = 5;
 
-// The part's text in v, cut at the end of its line; null when v has none.
-const char *CutVersionPart(const VersionPart &part, VersionInfo &v) {
-    char *line = v.*part.line;
-    const char *start = std::strstr(line, part.keyword);
-    if (start == nullptr) return nullptr;
-    char *end = std::strstr(line, "\r\n");
-    if (end == nullptr) end = std::strchr(line, '\r');
-    if (end != nullptr) *end = '\0';
-    return start + kKeywordLength;
-}
-
 template <typename Record>
 int32_t ReadVersionPart(const VersionPart &part, Record *r) {
     if (r == nullptr) return -1;
     VersionInfo v{};
     v.errorId = AT_ERRID_NOT_COMPLETED;
-    const char *text = AtVersion(&v) == 0 && v.errorId == 0 ? CutVersionPart(part, v) : nullptr;
+    const char *text = AtVersion(&v) == 0 && v.errorId == 0
+                           ? atapi::comm::CutVersionText(part.keyword, v.*part.line)
+                           : nullptr;
     const size_t length = text != nullptr ? std::strlen(text) : sizeof r->version;
     if (length >= sizeof r->version) {
         AT_LOG_ERR("%s", part.failure);
@@ -134,6 +111,27 @@ int32_t ReadVersionPart(const VersionPart &part, Record *r) {
 namespace atapi::comm {
 
 void ResetVersionCache() { delete g_versions.exchange(nullptr, std::memory_order_acq_rel); }
+
+bool StoreVersionLine(const char *value, VersionInfo &v) {
+    for (const VersionSlot &slot : kVersionSlots) {
+        if (std::strstr(value, slot.keyword) == nullptr) continue;
+        char *field = reinterpret_cast<char *>(&v) + slot.offset;
+        if (strcpy_s(field, slot.size, value) != 0) return false;
+        v.errorId = 0;
+        AT_LOG_INFO("find cmdStr sucess,return %s", field);
+        return true;
+    }
+    return false;
+}
+
+const char *CutVersionText(const char *keyword, char *line) {
+    const char *start = std::strstr(line, keyword);
+    if (start == nullptr) return nullptr;
+    char *end = std::strstr(line, "\r\n");
+    if (end == nullptr) end = std::strchr(line, '\r');
+    if (end != nullptr) *end = '\0';
+    return start + kKeywordLength;
+}
 
 }  // namespace atapi::comm
 
@@ -161,7 +159,7 @@ int32_t AtVersion(VersionInfo *v) {
             return -1;
         }
         const char *value = rows.Get()->atFieldValue;
-        if (value == nullptr || !StoreVersionLine(value, *v)) continue;
+        if (value == nullptr || !atapi::comm::StoreVersionLine(value, *v)) continue;
         AT_LOG_INFO("getVersionNum %u", ++found);
         if (found == kVersionsWanted) return FinishVersions(*v);
     }

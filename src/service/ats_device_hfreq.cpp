@@ -16,7 +16,6 @@
 namespace {
 
 using namespace atapi::api;
-using atapi::device::ParseHfreqInfoResult;
 
 constexpr char kTraceSrc[] = "atapi/src/ats_device";
 
@@ -78,6 +77,14 @@ void Store(BandList list, HfreqBandInfo *&slot) {
 int32_t QueryBands(HfreqInfoResult *r) {
     char report[AT_REPORT_STR_LEN];
     if (Command(kHfreqQuery).QueryText(report, nullptr) != 0) return -1;
+    return atapi::device::HfreqFromReport(report, r);
+}
+
+}  // namespace
+
+namespace atapi::device {
+
+int32_t HfreqFromReport(const char *report, HfreqInfoResult *r) {
     char prefixed[kPrefixedSize];
     if (sprintf_s(prefixed, sizeof prefixed, "^HFREQINFO: %s", report) < 0) return -1;
     ReplyLines<kMaxLines> lines;
@@ -97,10 +104,6 @@ int32_t QueryBands(HfreqInfoResult *r) {
     }
     return 0;
 }
-
-}  // namespace
-
-namespace atapi::device {
 
 int32_t ParseHfreqInfoResult(const AtCmdParseNode *fields, HfreqInfoResult *r) {
     if (fields == nullptr || r == nullptr) return -1;

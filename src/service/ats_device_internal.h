@@ -17,4 +17,10 @@ inline constexpr uint32_t kBandNotifyId = 14055;
 // sysmode is logged and dropped). 0, or -1 with nothing stored.
 int32_t ParseHfreqInfoResult(const AtCmdParseNode *fields, HfreqInfoResult *r);
 
+// The text of a ^HFREQINFO reply (behind the first prefix's ':', the lines
+// that follow with theirs) cut into its lines, each parsed and read as above
+// into r; -1 at the first line that does not parse or read (lines read before
+// stay stored).
+int32_t HfreqFromReport(const char *report, HfreqInfoResult *r);
+
 }  // namespace atapi::device

@@ -221,6 +221,44 @@ int32_t ReadLteProfile(const AtCmdParseNode *first, LteProfileRange &r) {
 
 }  // namespace
 
+namespace atapi::ndis {
+
+int32_t PppStateFromReply(char *reply, PppStateInfo &s) {
+    int32_t status = AT_PARSE_OK;
+    const ParseRows rows = ParseReply(kApconnstQuery, reply, &status);
+    if (status != AT_PARSE_OK || rows.Get() == nullptr) return -1;
+    return ReadPppState(rows.Get(), s);
+}
+
+int32_t NdisStateFromReply(char *reply, NdisStatInfo &s) {
+    int32_t status = AT_PARSE_OK;
+    const ParseRows rows = ParseReply(kNdisStatQuery, reply, &status);
+    if (status != AT_PARSE_OK || rows.Get() == nullptr) return -1;
+    return ReadNdisState(rows.Get(), s);
+}
+
+int32_t CidListFromReply(char *reply, NdisCidList &l) {
+    int32_t status = AT_PARSE_OK;  // only whether rows came counts
+    const ParseRows rows = ParseReply(kNdisStatTest, reply, &status);
+    if (rows.Get() == nullptr) return -1;
+    l.errorId = AT_ERRID_OK;
+    return ReadCidList(rows.Get(), l);
+}
+
+bool DconnStatFromLine(char *line, DconnStatEntry &entry) {
+    return line != nullptr && ParseFields(kDconnStat, line, kDconnStatFields, entry) == 0;
+}
+
+int32_t LteProfileFromReply(char *reply, LteProfileRange &r) {
+    int32_t status = AT_PARSE_OK;  // only whether rows came counts
+    const ParseRows rows = ParseReply(kLteProfileTest, reply, &status);
+    if (rows.Get() == nullptr) return -1;
+    r.errorId = AT_ERRID_OK;
+    return ReadLteProfile(rows.Get(), r);
+}
+
+}  // namespace atapi::ndis
+
 extern "C" {
 
 int32_t AtPppState(uint32_t cid, PppStateInfo *s) {
@@ -230,10 +268,7 @@ int32_t AtPppState(uint32_t cid, PppStateInfo *s) {
         cid == 0 ? Command(kApconnstQuery) : Command(kApconnstSet, static_cast<int32_t>(cid));
     OwnedSrvMsg msg;
     if (const auto done = ExchangeState(cmd, msg, s->errorId)) return *done;
-    int32_t status = AT_PARSE_OK;
-    const ParseRows rows = ParseReply(kApconnstQuery, msg.Report(), &status);
-    if (status != AT_PARSE_OK || rows.Get() == nullptr) return -1;
-    if (ReadPppState(rows.Get(), *s) != 0) return -1;
+    if (atapi::ndis::PppStateFromReply(msg.Report(), *s) != 0) return -1;
     s->errorId = AT_ERRID_OK;
     AT_LOG_INFO("end");
     return 0;
@@ -246,10 +281,7 @@ int32_t AtNdisStatQryState(int32_t cid, NdisStatInfo *s) {
         cid == kNdisDefaultCid ? Command(kNdisStatQuery) : Command(kNdisStatSet, cid);
     OwnedSrvMsg msg;
     if (const auto done = ExchangeState(cmd, msg, s->errorId)) return *done;
-    int32_t status = AT_PARSE_OK;
-    const ParseRows rows = ParseReply(kNdisStatQuery, msg.Report(), &status);
-    if (status != AT_PARSE_OK || rows.Get() == nullptr) return -1;
-    if (ReadNdisState(rows.Get(), *s) != 0) return -1;
+    if (atapi::ndis::NdisStateFromReply(msg.Report(), *s) != 0) return -1;
     s->errorId = AT_ERRID_OK;
     AT_LOG_INFO("end");
     return 0;
@@ -260,11 +292,7 @@ int32_t AtNdisStatQryTest(NdisCidList *l) {
     memset_s(l, sizeof *l, 0, sizeof *l);
     OwnedSrvMsg msg;
     if (const auto done = ExchangeState(Command(kNdisStatTest), msg, l->errorId)) return *done;
-    int32_t status = AT_PARSE_OK;  // only whether rows came counts
-    const ParseRows rows = ParseReply(kNdisStatTest, msg.Report(), &status);
-    if (rows.Get() == nullptr) return -1;
-    l->errorId = AT_ERRID_OK;
-    return ReadCidList(rows.Get(), *l);
+    return atapi::ndis::CidListFromReply(msg.Report(), *l);
 }
 
 int32_t AtDconnStatList(int32_t flag, uint32_t *count, DconnStatEntry **list) {
@@ -286,7 +314,7 @@ int32_t AtDconnStatList(int32_t flag, uint32_t *count, DconnStatEntry **list) {
     if (read) memset_s(entries, n * sizeof *entries, 0, n * sizeof *entries);
     for (size_t i = 0; read && i < n; ++i) {
         char *line = lines[static_cast<int32_t>(i)];
-        read = line != nullptr && ParseFields(kDconnStat, line, kDconnStatFields, entries[i]) == 0;
+        read = atapi::ndis::DconnStatFromLine(line, entries[i]);
         if (!read) {
             if (line != nullptr) AT_LOG_ERR("AtParseNodeFromBuf failed");
             AT_LOG_ERR("AtDconnParseResult failed");
@@ -348,11 +376,7 @@ int32_t AtLteProfileTest(LteProfileRange *r) {
     OwnedSrvMsg msg;
     if (const int32_t ret = Command(kLteProfileTest).Exchange(msg); ret != 0) return ret;
     if (msg.RetVal() != AT_RET_OK) return -1;
-    int32_t status = AT_PARSE_OK;  // only whether rows came counts
-    const ParseRows rows = ParseReply(kLteProfileTest, msg.Report(), &status);
-    if (rows.Get() == nullptr) return -1;
-    r->errorId = AT_ERRID_OK;
-    if (ReadLteProfile(rows.Get(), *r) != 0) return -1;
+    if (atapi::ndis::LteProfileFromReply(msg.Report(), *r) != 0) return -1;
     AT_LOG_INFO("exit");
     return 0;
 }

@@ -8,6 +8,7 @@
 #include "atapi/ats_usim.h"
 #include "link/at_log.h"
 #include "platform/bounded.h"
+#include "service/ats_usim_internal.h"
 
 namespace {
 
@@ -66,8 +67,10 @@ bool StoreCnumLine(char *line, CnumEntry &entry) {
     return stored;
 }
 
-// The +CNUM lines of report into l; -1 (l emptied) when there are none,
-// too many, or one cannot be stored.
+}  // namespace
+
+namespace atapi::usim {
+
 int32_t StoreCnumLines(const char *report, CnumList *l) {
     ReplyLines<kCnumMaxLines + 1> lines;
     int32_t count = lines.kCapacity;
@@ -91,7 +94,7 @@ int32_t StoreCnumLines(const char *report, CnumList *l) {
     return 0;
 }
 
-}  // namespace
+}  // namespace atapi::usim
 
 extern "C" {
 
@@ -109,7 +112,7 @@ int32_t AtCnumQuery(CnumList *l) {
         case AT_RET_OK:
             l->errorId = AT_ERRID_OK;
             if (msg.Report()[0] == '\0') return 0;
-            return StoreCnumLines(msg.Report(), l);
+            return atapi::usim::StoreCnumLines(msg.Report(), l);
         default:
             return -1;
     }

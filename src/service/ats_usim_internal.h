@@ -22,6 +22,12 @@ const char *FilePath(uint32_t cardMode, int32_t fileId);
 // tests only: no AtCrsm may run at the same time.
 void ResetCardModeCache();
 
+// The +CNUM lines of a reply's text into l: a heap array of one entry per
+// line (name, number and type; the caller frees it) and its count. -1 when
+// there is no line or more than 255, or a line does not parse or a text
+// does not fit its field (count set to 0, nothing kept).
+int32_t StoreCnumLines(const char *report, CnumList *l);
+
 // The ICCID digits of EF ICCID's hex text: every pair of characters swapped,
 // the 'F' filler at the end dropped. false (out empty) when hex is empty,
 // longer than 64 characters, of odd length, or the digits do not fit out.

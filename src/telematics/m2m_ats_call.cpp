@@ -9,6 +9,7 @@
 #include "link/at_log.h"
 #include "platform/bounded.h"
 #include "telematics/m2m_ats_call_exchange.h"
+#include "telematics/m2m_ats_call_read.h"
 
 namespace {
 
@@ -79,9 +80,17 @@ int32_t ReadCallList(AtsClccInfo *list, int32_t maxIndex) {
     CallReply reply(Command(kCallList), "AT+CLCC, snprintf_s error, ret:%d\n");
     if (reply.Aborted()) AT_LOG_ERR("at+clcc is aborted\n");
     if (!reply.Ok()) return reply.Result();
-    if (std::strstr(reply.Text(), "CLCC") == nullptr) return 0;  // no call
+    return atapi::call::CallListFromReply(reply.Text(), list, maxIndex);
+}
+
+}  // namespace
+
+namespace atapi::call {
+
+int32_t CallListFromReply(char *reply, AtsClccInfo *list, int32_t maxIndex) {
+    if (std::strstr(reply, "CLCC") == nullptr) return 0;  // no call
     int32_t status = 0;
-    const ParseRows rows = reply.Parse(kCallList, &status);
+    const ParseRows rows = ParseReply(kCallList, reply, &status);
     if (status != AT_PARSE_OK) {
         AT_LOG_ERR("ParseAtCmdFunc falied");
         return -1;
@@ -96,7 +105,11 @@ int32_t ReadCallList(AtsClccInfo *list, int32_t maxIndex) {
     return 0;
 }
 
-}  // namespace
+int32_t CallExFromLine(char *line, AtsClccExInfo &call) {
+    return ParseFields(kCallListEx, line, kCallExFields, call);
+}
+
+}  // namespace atapi::call
 
 extern "C" {
 
@@ -145,8 +158,7 @@ int32_t AtsClccEx(AtsClccExInfo *list, int32_t count) {
     AT_LOG_INFO("[%s] clccNum = %d", kCallListExTag, lines.Count());
     for (int32_t i = 0; i < count && i < lines.Count(); ++i) {
         if (lines[i] == nullptr || lines[i][0] == '\0') break;
-        if (const int32_t ret = ParseFields(kCallListEx, lines[i], kCallExFields, list[i]);
-            ret != 0) {
+        if (const int32_t ret = atapi::call::CallExFromLine(lines[i], list[i]); ret != 0) {
             AT_LOG_ERR("[%s] AtParseNodeFromBuf error", kCallListExTag);
             AT_LOG_ERR("[%s] AtsClccCmdParse error ret = %d", kCallListExTag, ret);
             return -1;

@@ -7,6 +7,7 @@
 #include "link/at_log.h"
 #include "platform/bounded.h"
 #include "telematics/m2m_ats_call_exchange.h"
+#include "telematics/m2m_ats_call_read.h"
 
 namespace {
 
@@ -236,20 +237,7 @@ bool ReadForwarding(const AtCmdParseNode *row, AtsCcfcEntry &entry) {
 int32_t QueryForwarding(AtsCcfcInfo &info) {
     CallReply reply(Command(kCcfcQuery, info.reason, info.mode), kCcfcFormatError);
     if (!reply.Ok()) return reply.Result();
-    int32_t status = 0;
-    const ParseRows rows = reply.Parse(kCcfcQuery, &status);
-    if (status != AT_PARSE_OK) {
-        LogParseFailure();
-        return -1;
-    }
-    size_t filled = 0;
-    for (const AtCmdParseNode *row = rows.Get(); row != nullptr && filled < kCcfcEntries;
-         row = row->nextRow) {
-        if (!ReadForwarding(row, info.entries[filled])) return -1;
-        ++filled;
-        ++info.ccfcCount;
-    }
-    return 0;
+    return atapi::call::ForwardingFromReply(reply.Text(), info);
 }
 
 int32_t Forwarding(AtsCcfcInfo &info) {
@@ -266,6 +254,27 @@ int32_t Forwarding(AtsCcfcInfo &info) {
 }
 
 }  // namespace
+
+namespace atapi::call {
+
+int32_t ForwardingFromReply(char *reply, AtsCcfcInfo &info) {
+    int32_t status = 0;
+    const ParseRows rows = ParseReply(kCcfcQuery, reply, &status);
+    if (status != AT_PARSE_OK) {
+        LogParseFailure();
+        return -1;
+    }
+    size_t filled = 0;
+    for (const AtCmdParseNode *row = rows.Get(); row != nullptr && filled < kCcfcEntries;
+         row = row->nextRow) {
+        if (!ReadForwarding(row, info.entries[filled])) return -1;
+        ++filled;
+        ++info.ccfcCount;
+    }
+    return 0;
+}
+
+}  // namespace atapi::call
 
 extern "C" {
 

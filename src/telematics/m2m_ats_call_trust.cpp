@@ -8,6 +8,7 @@
 #include "link/at_log.h"
 #include "platform/bounded.h"
 #include "telematics/m2m_ats_call_exchange.h"
+#include "telematics/m2m_ats_call_read.h"
 
 namespace {
 
@@ -30,28 +31,6 @@ constexpr CommandDescription kTrustList{
     .format = "AT^TRUSTCNUM?", .parsePrefix = "^TRUSTCNUM", .moduleId = module::kSysCfg};
 constexpr size_t kIndexTextSize = 10;
 constexpr size_t kListPhonenumSize = 26;  // of the entry's 28 bytes
-
-// The index range of an OK test reply into info.index.
-int32_t ReadRange(CallReply &reply, AtTrustNumInfo &info) {
-    int32_t status = 0;
-    const ParseRows rows = reply.Parse(kTrustRange, &status);
-    if (status != AT_PARSE_OK) {
-        LogParseFailure();
-        return -1;
-    }
-    const AtCmdParseNode *index = FindField(rows.Get(), "index");
-    if (index == nullptr || index->atFieldValue == nullptr) return 0;
-    char text[kIndexTextSize];
-    const errno_t ret =
-        strncpy_s(text, sizeof text, index->atFieldValue, std::strlen(index->atFieldValue));
-    if (ret != 0) {
-        AT_LOG_ERR("AT^TRUSTCNUM=?, strncpy_s ret:%d\n", ret);
-        return -1;
-    }
-    info.index = static_cast<uint32_t>(std::strtoul(text, nullptr, 10));
-    AT_LOG_INFO("AT^TRUSTCNUM=? trustNumInfo->index=%u\n", info.index);
-    return 0;
-}
 
 enum class LineRead { kStored, kNothing, kFailed };
 
@@ -78,6 +57,45 @@ LineRead ReadTrustedLine(char *line, AtTrustNumEntry &entry) {
 
 }  // namespace
 
+namespace atapi::call {
+
+int32_t TrustRangeFromReply(char *reply, AtTrustNumInfo &info) {
+    int32_t status = 0;
+    const ParseRows rows = ParseReply(kTrustRange, reply, &status);
+    if (status != AT_PARSE_OK) {
+        LogParseFailure();
+        return -1;
+    }
+    const AtCmdParseNode *index = FindField(rows.Get(), "index");
+    if (index == nullptr || index->atFieldValue == nullptr) return 0;
+    char text[kIndexTextSize];
+    const errno_t ret =
+        strncpy_s(text, sizeof text, index->atFieldValue, std::strlen(index->atFieldValue));
+    if (ret != 0) {
+        AT_LOG_ERR("AT^TRUSTCNUM=?, strncpy_s ret:%d\n", ret);
+        return -1;
+    }
+    info.index = static_cast<uint32_t>(std::strtoul(text, nullptr, 10));
+    AT_LOG_INFO("AT^TRUSTCNUM=? trustNumInfo->index=%u\n", info.index);
+    return 0;
+}
+
+int32_t TrustListFromReply(char *reply, AtTrustNumEntry *entries, int32_t count) {
+    int32_t filled = 0;
+    for (char *line = std::strchr(reply, '^'); line != nullptr; line = std::strchr(line + 1, '^')) {
+        const LineRead read = ReadTrustedLine(line, entries[filled]);
+        if (read == LineRead::kFailed) return -1;
+        if (read == LineRead::kNothing) continue;
+        if (++filled == count) {
+            AT_LOG_INFO("trustNumList->count is enough, break the while.\n");
+            break;
+        }
+    }
+    return 0;
+}
+
+}  // namespace atapi::call
+
 extern "C" {
 
 int32_t AtTrustSpecialNum(int32_t operation, AtTrustNumInfo *trustNumInfo) {
@@ -97,7 +115,7 @@ int32_t AtTrustSpecialNum(int32_t operation, AtTrustNumInfo *trustNumInfo) {
     CallReply reply(Command(kTrustRange), kTrustFormatError);
     if (reply.Status() != 0) return reply.Status();
     if (SetOutcome(reply, trustNumInfo->errorId) != 0) return -1;
-    return ReadRange(reply, *trustNumInfo);
+    return TrustRangeFromReply(reply.Text(), *trustNumInfo);
 }
 
 int32_t AtTrustSpecialNumList(AtTrustNumList *trustNumList) {
@@ -113,18 +131,7 @@ int32_t AtTrustSpecialNumList(AtTrustNumList *trustNumList) {
     CallReply reply(Command(kTrustList), kTrustFormatError);
     if (reply.Status() != 0) return reply.Status();
     if (SetOutcome(reply, trustNumList->errorId) != 0) return -1;
-    int32_t filled = 0;
-    for (char *line = std::strchr(reply.Text(), '^'); line != nullptr;
-         line = std::strchr(line + 1, '^')) {
-        const LineRead read = ReadTrustedLine(line, trustNumList->entries[filled]);
-        if (read == LineRead::kFailed) return -1;
-        if (read == LineRead::kNothing) continue;
-        if (++filled == trustNumList->count) {
-            AT_LOG_INFO("trustNumList->count is enough, break the while.\n");
-            break;
-        }
-    }
-    return 0;
+    return TrustListFromReply(reply.Text(), trustNumList->entries, trustNumList->count);
 }
 
 }  // extern "C"

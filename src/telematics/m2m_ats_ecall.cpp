@@ -10,6 +10,7 @@
 #include "link/at_log.h"
 #include "platform/bounded.h"
 #include "telematics/m2m_ats_call_exchange.h"
+#include "telematics/m2m_ats_call_read.h"
 
 namespace {
 
@@ -85,25 +86,7 @@ int32_t CheckMode(int32_t &mode) {
         AT_LOG_ERR("AtEclModeCheck, rmsg.retVal =%d error\n", reply.RetVal());
         return -1;
     }
-    int32_t status = 0;
-    const ParseRows rows = reply.Parse(kModeQuery, &status);
-    if (rows.Get() == nullptr) {
-        AT_LOG_ERR("AtEclModeCheck, at_parse_result is NULL\n");
-        return -1;
-    }
-    int32_t ret = 0;
-    const AtCmdParseNode *node = FindField(rows.Get(), "mode");
-    if (node != nullptr && node->atFieldValue != nullptr) {
-        const int32_t value = std::atoi(node->atFieldValue);
-        if (static_cast<uint32_t>(value) >= kModeCount) {
-            AT_LOG_ERR("AtEclModeCheck, mode value(%d) is invalid\n", value);
-            ret = -1;
-        } else {
-            mode = value;
-        }
-    }
-    AT_LOG_INFO("AtEclModeCheck out, ret = %d\n", ret);
-    return ret;
+    return EclModeFromReply(reply.Text(), mode);
 }
 
 // The set form takes any value: only the query checks the range.
@@ -130,9 +113,51 @@ int32_t SetImsCfg(const AtsEclImsCfgInfo &ims) {
                : -1;
 }
 
-// The first row of the IMS configuration.
-int32_t ReadImsCfg(const AtCmdParseNode *row, AtsEclImsCfgInfo &ims) {
-    for (const AtCmdParseNode *node = row; node != nullptr; node = node->nextField) {
+// A parser failure gives the parser's own code.
+int32_t QueryImsCfg(AtsEclImsCfgInfo &ims) {
+    CallReply reply(Command(kImsQuery), "AT^ECLIMSCFG?, snprintf_s ret:%d");
+    if (reply.Status() != 0) return -1;
+    if (!reply.Ok()) {
+        AT_LOG_ERR("ECLIMSCFG? query retVal = %d", reply.RetVal());
+        return -1;
+    }
+    return ImsCfgFromReply(reply.Text(), ims);
+}
+
+}  // namespace
+
+namespace atapi::call {
+
+int32_t EclModeFromReply(char *reply, int32_t &mode) {
+    int32_t status = 0;
+    const ParseRows rows = ParseReply(kModeQuery, reply, &status);
+    if (rows.Get() == nullptr) {
+        AT_LOG_ERR("AtEclModeCheck, at_parse_result is NULL\n");
+        return -1;
+    }
+    int32_t ret = 0;
+    const AtCmdParseNode *node = FindField(rows.Get(), "mode");
+    if (node != nullptr && node->atFieldValue != nullptr) {
+        const int32_t value = std::atoi(node->atFieldValue);
+        if (static_cast<uint32_t>(value) >= kModeCount) {
+            AT_LOG_ERR("AtEclModeCheck, mode value(%d) is invalid\n", value);
+            ret = -1;
+        } else {
+            mode = value;
+        }
+    }
+    AT_LOG_INFO("AtEclModeCheck out, ret = %d\n", ret);
+    return ret;
+}
+
+int32_t ImsCfgFromReply(char *reply, AtsEclImsCfgInfo &ims) {
+    int32_t status = 0;
+    const ParseRows rows = ParseReply(kImsQuery, reply, &status);
+    if (status != AT_PARSE_OK) {
+        AT_LOG_ERR("AtsEclImsCfgQueryCmdParse, ParseAtCmdFunc failed, ret = %d", status);
+        return status;
+    }
+    for (const AtCmdParseNode *node = rows.Get(); node != nullptr; node = node->nextField) {
         const char *value = node->atFieldValue;
         if (SafeStrCmp(node->atFieldName, "modeType") == 0) {
             if (value == nullptr) {
@@ -161,24 +186,7 @@ int32_t ReadImsCfg(const AtCmdParseNode *row, AtsEclImsCfgInfo &ims) {
     return 0;
 }
 
-// A parser failure gives the parser's own code.
-int32_t QueryImsCfg(AtsEclImsCfgInfo &ims) {
-    CallReply reply(Command(kImsQuery), "AT^ECLIMSCFG?, snprintf_s ret:%d");
-    if (reply.Status() != 0) return -1;
-    if (!reply.Ok()) {
-        AT_LOG_ERR("ECLIMSCFG? query retVal = %d", reply.RetVal());
-        return -1;
-    }
-    int32_t status = 0;
-    const ParseRows rows = reply.Parse(kImsQuery, &status);
-    if (status != AT_PARSE_OK) {
-        AT_LOG_ERR("AtsEclImsCfgQueryCmdParse, ParseAtCmdFunc failed, ret = %d", status);
-        return status;
-    }
-    return ReadImsCfg(rows.Get(), ims);
-}
-
-}  // namespace
+}  // namespace atapi::call
 
 extern "C" {
 

@@ -12,6 +12,7 @@
 #include "link/at_log.h"
 #include "platform/bounded.h"
 #include "telematics/m2m_ats_network_exchange.h"
+#include "telematics/m2m_ats_network_read.h"
 
 namespace {
 
@@ -172,29 +173,6 @@ int32_t MonscResultConfig(const ServingTexts &texts, MonscInfo &out) {
     return 0;
 }
 
-int32_t MonscResultParse(char *reply, MonscInfo &out) {
-    AT_LOG_INFO("MonscResultParse Enter\n");
-    ServingTexts texts{};
-    out = MonscInfo{};
-    out.errorId = AT_ERRID_NOT_COMPLETED;
-    {
-        int32_t status = 0;
-        const ParseRows rows = ParseReply(kMonsc, reply, &status);
-        if (rows.Get() == nullptr) {
-            AT_LOG_ERR("MonscResultParse, ParseAtCmdFunc failed result is NULL\n");
-            return -1;
-        }
-        CopyServingFields(rows.Get(), texts);
-    }
-    const int32_t ret = MonscResultConfig(texts, out);
-    if (ret != 0) {
-        AT_LOG_ERR("MonscResultParse, MonscResultConfig falied ret = %d\n", ret);
-        return -1;
-    }
-    AT_LOG_INFO("MonscResultParse out, success\n");
-    return 0;
-}
-
 // ---- Neighbour cells --------------------------------------------------------
 
 // Which field of a neighbour line holds each technology's channel.
@@ -273,6 +251,33 @@ void MonncResultSelect(const Buckets &buckets, MonncInfo &out) {
     AT_LOG_INFO("MonncResultSelect out, success\n");
 }
 
+}  // namespace
+
+namespace atapi::network {
+
+int32_t MonscResultParse(char *reply, MonscInfo &out) {
+    AT_LOG_INFO("MonscResultParse Enter\n");
+    ServingTexts texts{};
+    out = MonscInfo{};
+    out.errorId = AT_ERRID_NOT_COMPLETED;
+    {
+        int32_t status = 0;
+        const ParseRows rows = ParseReply(kMonsc, reply, &status);
+        if (rows.Get() == nullptr) {
+            AT_LOG_ERR("MonscResultParse, ParseAtCmdFunc failed result is NULL\n");
+            return -1;
+        }
+        CopyServingFields(rows.Get(), texts);
+    }
+    const int32_t ret = MonscResultConfig(texts, out);
+    if (ret != 0) {
+        AT_LOG_ERR("MonscResultParse, MonscResultConfig falied ret = %d\n", ret);
+        return -1;
+    }
+    AT_LOG_INFO("MonscResultParse out, success\n");
+    return 0;
+}
+
 int32_t MonncResultParse(char *reply, MonncInfo &out) {
     AT_LOG_INFO("MonncResultParse Enter\n");
     Buckets buckets{};
@@ -298,7 +303,7 @@ int32_t MonncResultParse(char *reply, MonncInfo &out) {
     return 0;
 }
 
-}  // namespace
+}  // namespace atapi::network
 
 extern "C" {
 
@@ -312,7 +317,7 @@ int32_t AtGetMonsc(MonscInfo *out) {
     CallReply reply(Command(kMonsc), "MONSC snprintf_s ret:%d\n");
     int32_t ret = ReplyOutcome(reply, "AtGetMonsc", kRetValFailed);
     if (ret == 0) {
-        ret = MonscResultParse(reply.Text(), *out);
+        ret = atapi::network::MonscResultParse(reply.Text(), *out);
         if (ret == 0) {
             out->errorId = AT_ERRID_OK;
         } else {
@@ -332,7 +337,7 @@ int32_t AtGetMonnc(MonncInfo *out) {
     CallReply reply(Command(kMonnc), "MONNC, snprintf_s ret:%d\n");
     int32_t ret = ReplyOutcome(reply, "AtGetMonnc", kRetValFailed);
     if (ret == 0) {
-        ret = MonncResultParse(reply.Text(), *out);
+        ret = atapi::network::MonncResultParse(reply.Text(), *out);
         if (ret != 0) AT_LOG_ERR("AtGetMonnc, MonncResultParse falied ret = %d\n", ret);
     }
     AT_LOG_INFO("AtGetMonnc out,ret = %d\n", ret);

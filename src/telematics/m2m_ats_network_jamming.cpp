@@ -8,6 +8,7 @@
 #include "link/at_log.h"
 #include "platform/bounded.h"
 #include "telematics/m2m_ats_network_exchange.h"
+#include "telematics/m2m_ats_network_read.h"
 
 namespace {
 
@@ -89,12 +90,19 @@ struct RowReader {
     const char *invalidRatLog;  // an unknown rat; null: skipped silently
 };
 
+constexpr RowReader kSwitchReader{"JammingDetectSwitchResultParse",
+                                  "JammingDetectSwitchGetModes copy fail, ret:%d.\n", nullptr};
+constexpr RowReader kCfgReader{"JammingDetectCfgResultParse", "JammingDetectGetGsmInfo ret:%d\n",
+                               nullptr};
+constexpr RowReader kRssiReader{"EmrssicfgResultParse", "EmrssicfgResultParse, ret:%d\n",
+                                "EmrssicfgResultParse, invalid rat(%d)\n"};
+
 template <typename Entry, size_t N>
-int32_t ReadByRat(CallReply &reply, const CommandDescription &description,
+int32_t ReadByRat(char *reply, const CommandDescription &description,
                   const std::array<EntryField<Entry>, N> &fields, const RowReader &reader,
                   Entry (&out)[AT_JAMMING_RAT_COUNT]) {
     int32_t status = 0;
-    const ParseRows rows = reply.Parse(description, &status);
+    const ParseRows rows = ParseReply(description, reply, &status);
     if (rows.Get() == nullptr) {
         AT_LOG_ERR("%s, ParseAtCmdFunc failed result is NULL\n", reader.parseName);
         return -1;
@@ -118,14 +126,14 @@ int32_t ReadByRat(CallReply &reply, const CommandDescription &description,
     return 0;
 }
 
-// A get function's exchange and row walk, with its out log.
-template <typename Entry, size_t N>
+// A get function's exchange and the decoding of its OK reply, with its out
+// log.
+template <typename Record>
 int32_t Get(const char *name, const CommandDescription &description, const char *retValFormat,
-            const std::array<EntryField<Entry>, N> &fields, const RowReader &reader,
-            Entry (&out)[AT_JAMMING_RAT_COUNT]) {
+            int32_t (*decode)(char *reply, Record &record), Record &record) {
     CallReply reply(Command(description), "snprintf_s fail, ret:%d\n");
     int32_t ret = ReplyOutcome(reply, name, retValFormat);
-    if (ret == 0) ret = ReadByRat(reply, description, fields, reader, out);
+    if (ret == 0) ret = decode(reply.Text(), record);
     AT_LOG_INFO("%s out,ret = %d\n", name, ret);
     return ret;
 }
@@ -139,6 +147,35 @@ bool Refused(const void *record, const char *name) {
 
 }  // namespace
 
+namespace atapi::network {
+
+int32_t JammingSwitchFromReply(char *reply, JammingDetectSwitchInfo &info) {
+    return ReadByRat(reply, kSwitchQuery, kSwitchFields, kSwitchReader, info.entry);
+}
+
+int32_t JammingCfgFromReply(char *reply, JammingDetectCfgInfo &info) {
+    return ReadByRat(reply, kCfgQuery, kCfgFields, kCfgReader, info.cfg);
+}
+
+int32_t EmRssiCfgFromReply(char *reply, EmRssiCfgInfo &info) {
+    return ReadByRat(reply, kRssiCfgQuery, kRssiFields, kRssiReader, info.cfg);
+}
+
+int32_t EmRssiRptFromReply(char *reply, int32_t &n) {
+    int32_t status = 0;
+    const ParseRows rows = ParseReply(kRptQuery, reply, &status);
+    if (rows.Get() == nullptr) {
+        AT_LOG_ERR("AtGetEmRssiRpt, ParseAtCmdFunc failed result is NULL\n");
+        return -1;
+    }
+    ForEachField(rows.Get(), [&n](const char *name, const char *value) {
+        if (SafeStrCmp(name, "n") == 0) n = SafeStrAtoi(value);
+    });
+    return 0;
+}
+
+}  // namespace atapi::network
+
 extern "C" {
 
 int32_t AtSetJammingDetctSwitch(uint32_t mode) {
@@ -150,10 +187,8 @@ int32_t AtSetJammingDetctSwitch(uint32_t mode) {
 
 int32_t AtGetJammingDetectSwitch(JammingDetectSwitchInfo *info) {
     if (Refused(info, "AtGetJammingDetectSwitch")) return -1;
-    return Get("AtGetJammingDetectSwitch", kSwitchQuery, kRetValError, kSwitchFields,
-               {"JammingDetectSwitchResultParse",
-                "JammingDetectSwitchGetModes copy fail, ret:%d.\n", nullptr},
-               info->entry);
+    return Get("AtGetJammingDetectSwitch", kSwitchQuery, kRetValError,
+               atapi::network::JammingSwitchFromReply, *info);
 }
 
 int32_t AtSetJammingDetectCfg(const JammingDetectCfg *cfg) {
@@ -172,9 +207,8 @@ int32_t AtSetJammingDetectCfg(const JammingDetectCfg *cfg) {
 
 int32_t AtGetJammingDetectCfg(JammingDetectCfgInfo *info) {
     if (Refused(info, "AtGetJammingDetectCfg")) return -1;
-    return Get("AtGetJammingDetectCfg", kCfgQuery, kRetValError, kCfgFields,
-               {"JammingDetectCfgResultParse", "JammingDetectGetGsmInfo ret:%d\n", nullptr},
-               info->cfg);
+    return Get("AtGetJammingDetectCfg", kCfgQuery, kRetValError,
+               atapi::network::JammingCfgFromReply, *info);
 }
 
 int32_t AtSetEmRssiRpt(uint32_t mode) {
@@ -185,22 +219,7 @@ int32_t AtSetEmRssiRpt(uint32_t mode) {
 
 int32_t AtGetEmRssiRpt(int32_t *n) {
     if (Refused(n, "AtGetEmRssiRpt")) return -1;
-    CallReply reply(Command(kRptQuery), "snprintf_s fail, ret:%d\n");
-    int32_t ret = ReplyOutcome(reply, "AtGetEmRssiRpt", kRetValError);
-    if (ret == 0) {
-        int32_t status = 0;
-        const ParseRows rows = reply.Parse(kRptQuery, &status);
-        if (rows.Get() == nullptr) {
-            AT_LOG_ERR("AtGetEmRssiRpt, ParseAtCmdFunc failed result is NULL\n");
-            ret = -1;
-        } else {
-            ForEachField(rows.Get(), [n](const char *name, const char *value) {
-                if (SafeStrCmp(name, "n") == 0) *n = SafeStrAtoi(value);
-            });
-        }
-    }
-    AT_LOG_INFO("AtGetEmRssiRpt out,ret = %d\n", ret);
-    return ret;
+    return Get("AtGetEmRssiRpt", kRptQuery, kRetValError, atapi::network::EmRssiRptFromReply, *n);
 }
 
 int32_t AtSetEmRssiCfg(const EmRssiCfg *cfg) {
@@ -211,10 +230,8 @@ int32_t AtSetEmRssiCfg(const EmRssiCfg *cfg) {
 
 int32_t AtGetEmRssiCfg(EmRssiCfgInfo *info) {
     if (Refused(info, "AtGetEmRssiCfg")) return -1;
-    return Get("AtGetEmRssiCfg", kRssiCfgQuery, kRetValFailed, kRssiFields,
-               {"EmrssicfgResultParse", "EmrssicfgResultParse, ret:%d\n",
-                "EmrssicfgResultParse, invalid rat(%d)\n"},
-               info->cfg);
+    return Get("AtGetEmRssiCfg", kRssiCfgQuery, kRetValFailed, atapi::network::EmRssiCfgFromReply,
+               *info);
 }
 
 }  // extern "C"

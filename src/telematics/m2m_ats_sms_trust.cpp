@@ -7,6 +7,7 @@
 #include "link/at_log.h"
 #include "platform/bounded.h"
 #include "telematics/m2m_ats_call_exchange.h"
+#include "telematics/m2m_ats_sms_read.h"
 
 namespace {
 
@@ -31,22 +32,6 @@ int32_t Outcome(CallReply &reply, int32_t &errorId) {
     if (!reply.Ok()) return -1;
     errorId = AT_ERRID_OK;
     return 0;
-}
-
-void ReadSwitches(CallReply &reply, TrustNumCtrl &ctrl) {
-    int32_t status = 0;  // a failed parse reads as no fields
-    const ParseRows rows = reply.Parse(kCtrlQuery, &status);
-    ForEachField(rows.Get(), [&ctrl](const char *name, const char *value) {
-        if (SafeStrCmp(name, "status") == 0) {
-            ctrl.smsSwitch = SafeStrAtoi(value);
-            AT_LOG_INFO("AT^TNUMCTL? sms_switch=%d\n", ctrl.smsSwitch);
-        } else if (SafeStrCmp(name, "voice_switch") == 0) {
-            ctrl.voiceSwitch = SafeStrAtoi(value);
-            AT_LOG_INFO("AT^TNUMCTL? voice_switch=%d\n", ctrl.voiceSwitch);
-        } else {
-            AT_LOG_DETAIL("do not care.\n");
-        }
-    });
 }
 
 // The line starting at its '^' into entry; false when it parses to nothing.
@@ -74,6 +59,37 @@ bool ReadLine(char *line, TrustNumEntry &entry) {
 
 }  // namespace
 
+namespace atapi::sms {
+
+void TrustSwitchesFromReply(char *reply, TrustNumCtrl &ctrl) {
+    int32_t status = 0;  // a failed parse reads as no fields
+    const ParseRows rows = ParseReply(kCtrlQuery, reply, &status);
+    ForEachField(rows.Get(), [&ctrl](const char *name, const char *value) {
+        if (SafeStrCmp(name, "status") == 0) {
+            ctrl.smsSwitch = SafeStrAtoi(value);
+            AT_LOG_INFO("AT^TNUMCTL? sms_switch=%d\n", ctrl.smsSwitch);
+        } else if (SafeStrCmp(name, "voice_switch") == 0) {
+            ctrl.voiceSwitch = SafeStrAtoi(value);
+            AT_LOG_INFO("AT^TNUMCTL? voice_switch=%d\n", ctrl.voiceSwitch);
+        } else {
+            AT_LOG_DETAIL("do not care.\n");
+        }
+    });
+}
+
+void TrustNumListFromReply(char *reply, TrustNumEntry *entries, int32_t count) {
+    int32_t filled = 0;
+    for (char *line = std::strchr(reply, '^'); line != nullptr; line = std::strchr(line + 1, '^')) {
+        if (!ReadLine(line, entries[filled])) continue;
+        if (++filled == count) {
+            AT_LOG_INFO("trustNumList->count is enough, break the while.\n");
+            break;
+        }
+    }
+}
+
+}  // namespace atapi::sms
+
 extern "C" {
 
 int32_t AtTrustNumCtrl(uint32_t op, TrustNumCtrl *ctrl) {
@@ -90,7 +106,7 @@ int32_t AtTrustNumCtrl(uint32_t op, TrustNumCtrl *ctrl) {
         return -1;
     }
     if (Outcome(reply, ctrl->errorId) != 0) return -1;
-    if (op == AT_TRUSTNUM_QUERY) ReadSwitches(reply, *ctrl);
+    if (op == AT_TRUSTNUM_QUERY) atapi::sms::TrustSwitchesFromReply(reply.Text(), *ctrl);
     return 0;
 }
 
@@ -105,15 +121,7 @@ int32_t AtTrustNumList(TrustNumList *list) {
     }
     CallReply reply(Command(kList), "TRUSTNUM, snprintf_s ret:%d\n");
     if (reply.Status() != 0 || Outcome(reply, list->errorId) != 0) return -1;
-    int32_t filled = 0;
-    for (char *line = std::strchr(reply.Text(), '^'); line != nullptr;
-         line = std::strchr(line + 1, '^')) {
-        if (!ReadLine(line, list->entries[filled])) continue;
-        if (++filled == list->count) {
-            AT_LOG_INFO("trustNumList->count is enough, break the while.\n");
-            break;
-        }
-    }
+    atapi::sms::TrustNumListFromReply(reply.Text(), list->entries, list->count);
     return 0;
 }
 

@@ -227,6 +227,7 @@ void EventLoop::HandleTimer(int64_t nowMs) {
     while (read(timerFd_, &expirations, sizeof expirations) > 0) {
     }
     backend_.Tick(nowMs);
+    queues_.Recover();
     // A backend that is opening is also asked again on the tick, so that its
     // own deadline holds when its descriptor stays silent.
     if (modemFd_ == -1 && (openWaitFd_ != -1 || nowMs >= nextOpenMs_)) TryOpenModem(nowMs);

@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <utility>
 
 #include "atapi/at_link.h"
 #include "link/ats_paths.h"
@@ -95,6 +96,31 @@ bool RequestQueues::Create() {
     RaiseQueueRoom(requestQid_, "request");
     replyRoom_ = RaiseQueueRoom(replyQid_, "reply");
     return true;
+}
+
+void RequestQueues::Recover() {
+    RecoverQueue(&requestQid_, atapi::kServerRecvProjId, "request");
+    RecoverQueue(&replyQid_, atapi::kServerSendProjId, "reply");
+}
+
+void RequestQueues::RecoverQueue(int *qid, int projId, const char *name) {
+    msqid_ds attrs{};
+    if (*qid != -1 &&
+        (msgctl(*qid, IPC_STAT, &attrs) == 0 || (errno != EIDRM && errno != EINVAL))) {
+        return;
+    }
+    // Callers look the queue up by its key: the queue that now has the key
+    // (made again by whoever removed it) or a new one is served from here on.
+    const int remade = AtsGetMsgQueueId(projId);
+    const int gone = std::exchange(
+        *qid, remade != -1 ? remade : AtsMsgQueueCreate(projId, kQueueMsgs, AT_SRV_MSG_SIZE));
+    if (*qid == -1) {
+        if (gone != -1) LogError("the %s queue %d was removed; no queue to serve on", name, gone);
+        return;
+    }
+    LogWarn("the %s queue %d was removed: serving on queue %d", name, gone, *qid);
+    const size_t room = RaiseQueueRoom(*qid, name);
+    if (qid == &replyQid_) replyRoom_ = room;
 }
 
 void RequestQueues::Destroy() {

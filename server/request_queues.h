@@ -38,6 +38,9 @@ class RequestQueues {
     size_t ReplyRoom() const { return replyRoom_; }
     // Deletes both queues (also done by the destructor).
     void Destroy();
+    // A queue removed from outside (or not had since) is taken again by its
+    // key: the one made again by whoever removed it, or a new one.
+    void Recover();
 
     // Takes every record waiting in the request queue, without waiting.
     // Malformed records are logged and dropped; the rest are appended to *out.
@@ -52,6 +55,7 @@ class RequestQueues {
     bool DropOldestReply();
 
   private:
+    void RecoverQueue(int *qid, int projId, const char *name);
     int requestQid_ = -1;
     int replyQid_ = -1;
     size_t replyRoom_ = 0;

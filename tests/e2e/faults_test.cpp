@@ -1,6 +1,7 @@
 // Faults on both sides of atserver, one after another on the same server (or
 // the one started after it): what the caller sees, what atserver logs, and
 // that the next exchange works. Noise and over-long lines: overlong_line_test.cpp.
+#include <sys/msg.h>
 #include <unistd.h>
 
 #include <cstring>
@@ -39,6 +40,17 @@ void SendMalformedRecords(pid_t server) {
         ASSERT_TRUE(SendRaw(qid, buf.data(), length)) << length;
     }
     ASSERT_EQ(AtsEventSend(server, 1), 1);
+}
+
+// Removes atserver's request queue; with remake, a queue of the same key
+// takes its place at once.
+void RemoveRequestQueue(bool remake) {
+    const int qid = AtsGetMsgQueueId(kServerRecvProjId);
+    ASSERT_NE(qid, -1);
+    ASSERT_EQ(msgctl(qid, IPC_RMID, nullptr), 0);
+    if (remake) {
+        ASSERT_NE(msgget(ftok(QueueKeyDir(), kServerRecvProjId), IPC_CREAT | 0600), -1);
+    }
 }
 
 // A record on the reply queue for this thread (length includes the type word).
@@ -95,6 +107,9 @@ TEST_F(E2eTest, Faults_CallerSeesEachAndTheNextExchangeWorks) {
              EXPECT_EQ(Send("AT+CGMI", 5).text, kManufacturer);
          },
          "modem port closed", 1},
+        {"the request queue removed", [] { RemoveRequestQueue(false); }, "was removed: serving on", 1},
+        {"the request queue removed and made again by another process",
+         [] { RemoveRequestQueue(true); }, "was removed: serving on", 2},
         {"atserver stopped between two calls and started again, no reset",
          [&] { restart(SIGTERM); }, "ready after", 1},
         // The caller waits out its timeout: the reply queue it polls was replaced.

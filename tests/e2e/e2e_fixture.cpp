@@ -50,6 +50,15 @@ std::string FromEnvironment(const char *name, const char *fallback) {
     return value != nullptr ? value : fallback;
 }
 
+}  // namespace
+
+bool RunsThroughLauncher() {
+    const char *peer = std::getenv("ATAPI_E2E_LAUNCHER");
+    return *ATAPI_TARGET_LAUNCHER != '\0' || (peer != nullptr && *peer != '\0');
+}
+
+namespace {
+
 const std::string &OwnLauncher() {
     static const std::string launcher = ATAPI_TARGET_LAUNCHER;
     return launcher;

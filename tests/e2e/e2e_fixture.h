@@ -34,6 +34,8 @@ Exchange Send(const std::string &cmd, int32_t timeoutSec = 10, const char *prefi
 const std::string &ServerProgram();
 const std::string &SimProgram();
 const std::string &CliProgram();
+// Whether atserver and atsim run under an emulator (a cross build, or a peer's).
+bool RunsThroughLauncher();
 
 // Runs argv to its end with input as its stdin and stdout and stderr
 // captured, all through files in dir; exitCode is -1 when it did not exit

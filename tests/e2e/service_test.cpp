@@ -28,11 +28,6 @@ const std::string kDefaultScenario = std::string(ATSIM_SCENARIO_DIR) + "/default
 
 std::string PidFile() { return std::string(PidFileDir()) + kServerTaskName + ".pid"; }
 
-bool RunsThroughLauncher() {
-    const char *peer = std::getenv("ATAPI_E2E_LAUNCHER");
-    return *ATAPI_TARGET_LAUNCHER != '\0' || (peer != nullptr && *peer != '\0');
-}
-
 // The datagram socket a service manager names in NOTIFY_SOCKET: a path, or
 // an abstract name written with a leading '@'.
 class NotifySocket {

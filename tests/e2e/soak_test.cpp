@@ -26,6 +26,12 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr bool kSanitized = true;
+#else
+constexpr bool kSanitized = false;
+#endif
+
 int FromEnvironment(const char *name, int fallback) {
     const char *value = std::getenv(name);
     return value != nullptr && std::atoi(value) > 0 ? std::atoi(value) : fallback;
@@ -152,7 +158,11 @@ TEST_F(SoakTest, Load_NothingLostMisroutedOrLeaked) {
     EXPECT_EQ(after.queuedRequests, 0);
     EXPECT_EQ(after.queuedReplies, 0);
     // Allocator noise aside, serving the same load again must not grow atserver.
-    EXPECT_LT(after.rssKb - before.rssKb, 1024) << before.rssKb << " kB before";
+    // Sanitizer runtimes hold freed memory back and an emulator grows its code
+    // cache: there the leak checker at atserver's exit speaks for its memory.
+    if (!kSanitized && !RunsThroughLauncher()) {
+        EXPECT_LT(after.rssKb - before.rssKb, 1024) << before.rssKb << " kB before";
+    }
     std::printf(
         "soak: %d threads x %d commands in %.1f s: %.0f commands/s, latency median %.1f ms,"
         " p99 %.1f ms; atserver %ld -> %ld kB, %ld -> %ld descriptors\n",

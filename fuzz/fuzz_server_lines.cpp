@@ -27,6 +27,14 @@ atserver::LineReader::Output ReadAll(std::string_view bytes, size_t chunk) {
     return out;
 }
 
+bool SameLines(const atserver::LineReader::Output &a, const atserver::LineReader::Output &b) {
+    if (a.size() != b.size()) return false;
+    for (size_t i = 0; i < a.size(); ++i) {
+        if (a[i].text != b[i].text || a[i].droppedLength != b[i].droppedLength) return false;
+    }
+    return true;
+}
+
 bool IsLine(const std::string &line) {
     return !line.empty() && line.size() <= atserver::LineReader::kMaxLineBytes &&
            line.find_first_of(std::string_view("\r\n\0", 3)) == std::string::npos;
@@ -45,12 +53,18 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     // How the bytes arrive must not change the lines they make.
     const atserver::LineReader::Output whole = ReadAll(bytes, bytes.size() + 1);
     const atserver::LineReader::Output split = ReadAll(bytes, chunk);
-    if (whole.lines != split.lines || whole.droppedLengths != split.droppedLengths) {
-        __builtin_trap();
-    }
+    if (!SameLines(whole, split)) __builtin_trap();
 
     std::vector<std::string> info;
-    for (const std::string &line : whole.lines) {
+    for (const atserver::LineReader::Line &read : whole) {
+        // A dropped line keeps only its place and its length.
+        if (read.droppedLength > 0) {
+            if (!read.text.empty() || read.droppedLength <= atserver::LineReader::kMaxLineBytes) {
+                __builtin_trap();
+            }
+            continue;
+        }
+        const std::string &line = read.text;
         if (!IsLine(line)) __builtin_trap();
         const atserver::UrcFilter::Verdict verdict = filter.Check(line, atName, cmd);
         if (verdict.unsolicited) continue;

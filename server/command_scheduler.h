@@ -65,6 +65,7 @@ class CommandScheduler {
         bool emergency;
     };
 
+    // Made by running_.emplace(), which zeroes what the start does not set.
     struct Running {
         AtSrvMsg request;
         std::string cmd;
@@ -72,7 +73,7 @@ class CommandScheduler {
         std::vector<std::string> lines;
         int64_t startedMs;
         int64_t guardMs;
-        size_t droppedLength = 0;  // an over-long line of the reply was dropped
+        size_t droppedLength;  // an over-long line of the reply was dropped (0: none)
     };
 
     // Lines of commands whose replies nobody waits for any more: an aborted

@@ -68,6 +68,11 @@ TEST_F(E2eTest, Faults_CallerSeesEachAndTheNextExchangeWorks) {
         server_->Stop(signo);
         server_->Start(scenario_, ServerArgs());
         ASSERT_TRUE(server_->WaitForLog("ready after")) << server_->Log();
+        const std::string pidFile = std::string(PidFileDir()) + kServerTaskName + ".pid";
+        const std::string pid = std::to_string(server_->Pid()) + "\n";
+        ASSERT_TRUE(WaitUntil([&] { return ReadFile(pidFile) == pid; }, std::chrono::seconds(5)))
+            << "pid file: " << ReadFile(pidFile) << "\n"
+            << server_->Log();
     };
     struct Fault {
         const char *name;
@@ -107,7 +112,8 @@ TEST_F(E2eTest, Faults_CallerSeesEachAndTheNextExchangeWorks) {
              EXPECT_EQ(Send("AT+CGMI", 5).text, kManufacturer);
          },
          "modem port closed", 1},
-        {"the request queue removed", [] { RemoveRequestQueue(false); }, "was removed: serving on", 1},
+        {"the request queue removed", [] { RemoveRequestQueue(false); }, "was removed: serving on",
+         1},
         {"the request queue removed and made again by another process",
          [] { RemoveRequestQueue(true); }, "was removed: serving on", 2},
         {"atserver stopped between two calls and started again, no reset",

@@ -5,8 +5,6 @@
 // from ATAPI_SOAK_THREADS and ATAPI_SOAK_COMMANDS (per thread); bench/soak.sh
 // runs it long and by hand. The figures are printed, never asserted.
 
-#include <sys/msg.h>
-
 #include <algorithm>
 #include <atomic>
 #include <chrono>
@@ -18,6 +16,7 @@
 #include <thread>
 #include <vector>
 
+#include "atapi/at_link.h"
 #include "e2e_fixture.h"
 #include "link/ats_paths.h"
 
@@ -45,12 +44,10 @@ struct Footprint {
     long queuedReplies = -1;
 };
 
+// -1 when the queue is gone.
 long QueuedRecords(int projId) {
-    const key_t key = ftok(QueueKeyDir(), projId);
-    const int qid = key == -1 ? -1 : msgget(key, 0);
-    msqid_ds state{};
-    if (qid == -1 || msgctl(qid, IPC_STAT, &state) != 0) return -1;
-    return static_cast<long>(state.msg_qnum);
+    const int qid = AtsGetMsgQueueId(projId);
+    return qid == -1 ? -1 : AtsMsgQueueNum(qid);
 }
 
 Footprint FootprintOf(pid_t pid) {

@@ -47,6 +47,44 @@ struct CommandDescription {
     constexpr AtCmdDesc Desc(const char *line) const {
         return {line, rspPrefix, parsePrefix, parseMode, moduleId};
     }
+
+    // The other forms of one command: a copy with one member changed.
+    constexpr CommandDescription WithFormat(const char *line) const {
+        CommandDescription d = *this;
+        d.format = line;
+        return d;
+    }
+    constexpr CommandDescription WithTimeout(uint32_t seconds) const {
+        CommandDescription d = *this;
+        d.timeoutSec = seconds;
+        return d;
+    }
+    constexpr CommandDescription WithMode(uint32_t mode) const {
+        CommandDescription d = *this;
+        d.parseMode = mode;
+        return d;
+    }
 };
+
+// A command whose line carries a PIN, PUK, password or unlock code.
+consteval CommandDescription SecretLine(const char *format, const char *rspPrefix = nullptr,
+                                        uint32_t timeoutSec = AT_DEFAULT_TIMEOUT_SEC) {
+    return {.format = format,
+            .rspPrefix = rspPrefix,
+            .timeoutSec = timeoutSec,
+            .secrecy = Secrecy::kSecret};
+}
+
+// A command whose reply is parsed under the prefix it is sent with:
+//   constexpr auto kChipTemp = Reads("AT^CHIPTEMP?", "^CHIPTEMP", module::kChipTemp);
+consteval CommandDescription Reads(const char *format, const char *prefix, int32_t moduleId) {
+    return {.format = format, .rspPrefix = prefix, .parsePrefix = prefix, .moduleId = moduleId};
+}
+// ... or under a parse prefix of its own (rspPrefix may carry the ':' or be null).
+consteval CommandDescription Reads(const char *format, const char *rspPrefix,
+                                   const char *parsePrefix, int32_t moduleId) {
+    return {
+        .format = format, .rspPrefix = rspPrefix, .parsePrefix = parsePrefix, .moduleId = moduleId};
+}
 
 }  // namespace atapi::api

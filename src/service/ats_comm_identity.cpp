@@ -25,10 +25,8 @@ constexpr CommandDescription kAuthVer{.format = "AT^AUTHVER?", .rspPrefix = "^AU
 
 constexpr CommandDescription kPhyNum{.format = "AT^PHYNUM?", .rspPrefix = "^PHYNUM"};
 
-constexpr CommandDescription kUiccAuth{.format = "AT^UICCAUTH=%d,%s,%s",
-                                       .rspPrefix = "^UICCAUTH:",
-                                       .parsePrefix = "^UICCAUTH",
-                                       .moduleId = module::kNetwork};
+constexpr CommandDescription kUiccAuth =
+    Reads("AT^UICCAUTH=%d,%s,%s", "^UICCAUTH:", "^UICCAUTH", module::kNetwork);
 constexpr auto kUiccAuthFields =
     FieldList(Field<&UiccAuthInfo::result>("result", 0, kNonNegative),
               Field<&UiccAuthInfo::res>("res"), Field<&UiccAuthInfo::ck>("ck"),

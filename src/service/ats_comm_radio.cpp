@@ -16,10 +16,7 @@ using atapi::comm::kNonNegative;
 constexpr char kTraceSrc[] = "atapi/src/ats_comm";
 
 constexpr CommandDescription kCfunSet{.format = "AT+CFUN=%d", .rspPrefix = "+CFUN:"};
-constexpr CommandDescription kCfunQuery{.format = "AT+CFUN?",
-                                        .rspPrefix = "+CFUN:",
-                                        .parsePrefix = "+CFUN",
-                                        .moduleId = module::kDeviceInfo};
+constexpr CommandDescription kCfunQuery = Reads("AT+CFUN?", "+CFUN:", "+CFUN", module::kDeviceInfo);
 constexpr auto kCfunFields = FieldList(Field<&SettingInfo::value>("fun", 0, kNonNegative));
 
 // A setting read by the query form and written by the set form ("=%d").
@@ -30,7 +27,7 @@ struct SettingCommands {
 };
 consteval SettingCommands MakeSetting(const char *query, const char *set, const char *prefix,
                                       int32_t moduleId, const char *field) {
-    return {{.format = query, .rspPrefix = prefix, .parsePrefix = prefix, .moduleId = moduleId},
+    return {Reads(query, prefix, moduleId),
             {.format = set},
             FieldList(Field<&SettingInfo::value>(field))};
 }
@@ -42,41 +39,25 @@ constexpr SettingCommands kSetMode =
     MakeSetting("AT^SETMODE?", "AT^SETMODE=%d", "^SETMODE", module::kSysCfg, "work_mode");
 constexpr SettingCommands kShlock =
     MakeSetting("AT^SHLOCK?", "AT^SHLOCK=%d", "^SHLOCK", module::kSysCfg, "State");
-constexpr CommandDescription kShlockWithCode{.format = "AT^SHLOCK=%d,%s",
-                                             .secrecy = Secrecy::kSecret};
+constexpr CommandDescription kShlockWithCode = SecretLine("AT^SHLOCK=%d,%s");
 constexpr SettingCommands kOpenChannel =
     MakeSetting("AT^LOPCNL?", "AT^LOPCNL=%d", "^LOPCNL", module::kSysCfg, "mode");
 
-constexpr CommandDescription kNetreg{.format = "AT^NDISSTATQRY?",
-                                     .rspPrefix = "^NDISSTATQRY",
-                                     .parsePrefix = "^NDISSTATQRY",
-                                     .moduleId = module::kConnStat};
+constexpr CommandDescription kNetreg = Reads("AT^NDISSTATQRY?", "^NDISSTATQRY", module::kConnStat);
 constexpr auto kNetregFields = FieldList(Field<&SettingInfo::value>("stat"));
 
-constexpr CommandDescription kChipTemp{.format = "AT^CHIPTEMP?",
-                                       .rspPrefix = "^CHIPTEMP",
-                                       .parsePrefix = "^CHIPTEMP",
-                                       .moduleId = module::kChipTemp};
+constexpr CommandDescription kChipTemp = Reads("AT^CHIPTEMP?", "^CHIPTEMP", module::kChipTemp);
 constexpr auto kChipTempFields =
     FieldList(Field<&ChipTempInfo::gpaTemp>("gpa_temp"), Field<&ChipTempInfo::wpaTemp>("wpa_temp"),
               Field<&ChipTempInfo::lpaTemp>("lpa_temp"), Field<&ChipTempInfo::simTemp>("sim_temp"),
               Field<&ChipTempInfo::batTemp>("bat_temp"),
               Field<&ChipTempInfo::tcxoTemp>("tcxo_temp"), Field<&ChipTempInfo::bbTemp>("bb_temp"));
 
-constexpr CommandDescription kAdcRange{.format = "AT^ADCREADEX=?",
-                                       .rspPrefix = "^ADCREADEX",
-                                       .parsePrefix = "^ADCREADEX",
-                                       .moduleId = module::kSysCfg};
-constexpr CommandDescription kAdcRead{.format = "AT^ADCREADEX=%d",
-                                      .rspPrefix = "^ADCREADEX",
-                                      .parsePrefix = "^ADCREADEX",
-                                      .moduleId = module::kSysCfg};
+constexpr CommandDescription kAdcRange = Reads("AT^ADCREADEX=?", "^ADCREADEX", module::kSysCfg);
+constexpr CommandDescription kAdcRead = kAdcRange.WithFormat("AT^ADCREADEX=%d");
 constexpr auto kAdcFields = FieldList(Field<&AdcReadInfo::value>("adc_value"));
 
-constexpr CommandDescription kAntModeQuery{.format = "AT^ANTMODE?",
-                                           .rspPrefix = "^ANTMODE",
-                                           .parsePrefix = "^ANTMODE",
-                                           .moduleId = module::kSysCfg};
+constexpr CommandDescription kAntModeQuery = Reads("AT^ANTMODE?", "^ANTMODE", module::kSysCfg);
 constexpr CommandDescription kAntModeSet{.format = "AT^ANTMODE=%d,%d"};
 constexpr auto kAntModeFields =
     FieldList(Field<&AntModeInfo::nwMode>("nw_mode"), Field<&AntModeInfo::antMode>("ant_mode"));
@@ -87,22 +68,14 @@ constexpr auto kSingleAntModeFields =
               Field<&SingleAntModeInfo::dlAntEnable>("dlAntEnable"),
               Field<&SingleAntModeInfo::dlAntIndex>("dlAntIndex"));
 
-constexpr CommandDescription kXoTempQuery{.format = "AT^XOTEMP?",
-                                          .rspPrefix = "^XOTEMP",
-                                          .parsePrefix = "^XOTEMP",
-                                          .moduleId = module::kSysCfg};
+constexpr CommandDescription kXoTempQuery = Reads("AT^XOTEMP?", "^XOTEMP", module::kSysCfg);
 constexpr auto kXoTempFields = FieldList(Field<&XoTempInfo::crystalTemp>("CRYSTALtemp"));
-constexpr CommandDescription kXoTempRange{.format = "AT^XOTEMP=?",
-                                          .rspPrefix = "^XOTEMP:",
-                                          .parsePrefix = "^XOTEMP",
-                                          .moduleId = module::kSysCfg};
+constexpr CommandDescription kXoTempRange =
+    Reads("AT^XOTEMP=?", "^XOTEMP:", "^XOTEMP", module::kSysCfg);
 constexpr auto kXoTempRangeFields =
     FieldList(Field<&XoTempInfo::crystalTempRange>("CRYSTALtemp Range"));
 
-constexpr CommandDescription kHs{.format = "AT^HS=%d,%d",
-                                 .rspPrefix = "^HS",
-                                 .parsePrefix = "^HS",
-                                 .moduleId = module::kDeviceInfo};
+constexpr CommandDescription kHs = Reads("AT^HS=%d,%d", "^HS", module::kDeviceInfo);
 constexpr auto kHsFields =
     FieldList(Field<&HsInfo::id>("id"), Field<&HsInfo::protocol>("protocol"),
               Field<&HsInfo::isOffline>("IsOffline"), Field<&HsInfo::pClass>("p_class"),

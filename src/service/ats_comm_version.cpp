@@ -19,10 +19,7 @@ using namespace atapi::api;
 constexpr char kTraceSrc[] = "atapi/src/ats_comm";
 
 constexpr int32_t kVersionLines = 32;
-constexpr CommandDescription kVersionQuery{.format = "AT^VERSION?",
-                                           .rspPrefix = "^VERSION",
-                                           .parsePrefix = "^VERSION",
-                                           .moduleId = module::kSysCfg};
+constexpr CommandDescription kVersionQuery = Reads("AT^VERSION?", "^VERSION", module::kSysCfg);
 
 // The keywords in the order they are tried, and the field each line fills.
 struct VersionSlot {

@@ -27,13 +27,8 @@ constexpr char kParamIsNull[] = "param is null";
 constexpr char kParamInIsNull[] = "param in is null";
 
 consteval CommandDescription Read(const char *format, const char *prefix,
-                                  uint32_t mode = AT_PARSE_TEST,
-                                  int32_t moduleId = module::kSysCfg) {
-    return {.format = format,
-            .rspPrefix = prefix,
-            .parsePrefix = prefix,
-            .parseMode = mode,
-            .moduleId = moduleId};
+                                  uint32_t mode = AT_PARSE_TEST) {
+    return Reads(format, prefix, module::kSysCfg).WithMode(mode);
 }
 
 // The commands of one setting: its query, its test form (null format when
@@ -71,8 +66,7 @@ constexpr Setting kWatchdog{Read("AT^SETWDTIME?", "^SETWDTIME"), kNoTest,
                             FieldList(Field<&WatchdogInfo::watchdogTime>("watchdog_time"))};
 constexpr CommandDescription kWatchdogSet{.format = "AT^SETWDTIME=%u"};
 
-constexpr CommandDescription kSkuQuery{
-    .format = "AT^SKU?", .rspPrefix = "^SKU:", .parsePrefix = "^SKU", .moduleId = module::kNetwork};
+constexpr CommandDescription kSkuQuery = Reads("AT^SKU?", "^SKU:", "^SKU", module::kNetwork);
 constexpr auto kSkuFields = FieldList(Field<&SkuInfo::n>("n"), Field<&SkuInfo::simlock>("simlock"));
 constexpr CommandDescription kSkuSet{.format = "AT^SKU=%d"};
 constexpr uint32_t kSkuMax = 2;

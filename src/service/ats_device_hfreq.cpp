@@ -20,10 +20,7 @@ using namespace atapi::api;
 constexpr char kTraceSrc[] = "atapi/src/ats_device";
 
 constexpr CommandDescription kHfreqSet{.format = "AT^HFREQINFO=%d"};
-constexpr CommandDescription kHfreqQuery{.format = "AT^HFREQINFO?",
-                                         .rspPrefix = "^HFREQINFO",
-                                         .parsePrefix = "^HFREQINFO",
-                                         .moduleId = module::kNetwork};
+constexpr CommandDescription kHfreqQuery = Reads("AT^HFREQINFO?", "^HFREQINFO", module::kNetwork);
 constexpr char kLinePrefix[] = "^HFREQINFO";
 constexpr int32_t kMaxLines = 16;  // a line per technology; carrier lists stay on their line
 constexpr size_t kPrefixedSize = AT_REPORT_STR_LEN + sizeof "^HFREQINFO: ";

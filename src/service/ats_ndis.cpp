@@ -21,27 +21,16 @@ constexpr uint32_t kSecretTimeoutSec = 30;
 // Dial-up. Without a profile only the cid and the connect flag go out; with
 // one, the APN parameter stays empty (not "") unless the profile's APN is
 // static, and a static IP address is the last parameter.
-constexpr CommandDescription kNdisDupBare{.format = "AT^NDISDUP=%d,%d",
-                                          .rspPrefix = "^NDISDUP",
-                                          .timeoutSec = kSecretTimeoutSec,
-                                          .secrecy = Secrecy::kSecret};
-constexpr CommandDescription kNdisDupApnIp{
-    .format = "AT^NDISDUP=%d,%d,\"%s\",\"%s\",\"%s\",%c,\"%s\"",
-    .rspPrefix = "^NDISDUP",
-    .timeoutSec = kSecretTimeoutSec,
-    .secrecy = Secrecy::kSecret};
-constexpr CommandDescription kNdisDupApn{.format = "AT^NDISDUP=%d,%d,\"%s\",\"%s\",\"%s\",%c",
-                                         .rspPrefix = "^NDISDUP",
-                                         .timeoutSec = kSecretTimeoutSec,
-                                         .secrecy = Secrecy::kSecret};
-constexpr CommandDescription kNdisDupNoApn{.format = "AT^NDISDUP=%d,%d,,\"%s\",\"%s\",%c",
-                                           .rspPrefix = "^NDISDUP",
-                                           .timeoutSec = kSecretTimeoutSec,
-                                           .secrecy = Secrecy::kSecret};
-constexpr CommandDescription kNdisDupIp{.format = "AT^NDISDUP=%d,%d,,\"%s\",\"%s\",%c,\"%s\"",
-                                        .rspPrefix = "^NDISDUP",
-                                        .timeoutSec = kSecretTimeoutSec,
-                                        .secrecy = Secrecy::kSecret};
+constexpr CommandDescription kNdisDupBare =
+    SecretLine("AT^NDISDUP=%d,%d", "^NDISDUP", kSecretTimeoutSec);
+constexpr CommandDescription kNdisDupApnIp =
+    kNdisDupBare.WithFormat("AT^NDISDUP=%d,%d,\"%s\",\"%s\",\"%s\",%c,\"%s\"");
+constexpr CommandDescription kNdisDupApn =
+    kNdisDupBare.WithFormat("AT^NDISDUP=%d,%d,\"%s\",\"%s\",\"%s\",%c");
+constexpr CommandDescription kNdisDupNoApn =
+    kNdisDupBare.WithFormat("AT^NDISDUP=%d,%d,,\"%s\",\"%s\",%c");
+constexpr CommandDescription kNdisDupIp =
+    kNdisDupBare.WithFormat("AT^NDISDUP=%d,%d,,\"%s\",\"%s\",%c,\"%s\"");
 
 constexpr CommandDescription kCgdcontSet{.format = "AT+CGDCONT=%d,\"%s\",\"%s\"",
                                          .rspPrefix = "+CGDCONT"};
@@ -49,22 +38,14 @@ constexpr CommandDescription kCgdcontSet{.format = "AT+CGDCONT=%d,\"%s\",\"%s\""
 // so that the S-NSSAI is the 18th of 22 parameters.
 constexpr char kNssaiTail[] = ",\"\",,,,,,,,,,,,,,\"%s\",,,,";
 
-constexpr CommandDescription kCgdcontQuery{.format = "AT+CGDCONT?",
-                                           .rspPrefix = "+CGDCONT",
-                                           .parsePrefix = "+CGDCONT",
-                                           .moduleId = module::kPdpContext};
+constexpr CommandDescription kCgdcontQuery = Reads("AT+CGDCONT?", "+CGDCONT", module::kPdpContext);
 constexpr auto kCgdcontFields =
     FieldList(Field<&PdpContextInfo::cid>("cid"), Field<&PdpContextInfo::pdpType>("PDP_type"),
               Field<&PdpContextInfo::apn>("APN"));
 
-constexpr CommandDescription kAuthDataSet{.format = "AT^AUTHDATA=%d,%d,\"%s\",\"%s\",\"%s\"",
-                                          .rspPrefix = "^AUTHDATA",
-                                          .timeoutSec = kSecretTimeoutSec,
-                                          .secrecy = Secrecy::kSecret};
-constexpr CommandDescription kAuthDataQuery{.format = "AT^AUTHDATA?",
-                                            .rspPrefix = "^AUTHDATA",
-                                            .parsePrefix = "^AUTHDATA",
-                                            .moduleId = module::kAuthData};
+constexpr CommandDescription kAuthDataSet =
+    SecretLine("AT^AUTHDATA=%d,%d,\"%s\",\"%s\",\"%s\"", "^AUTHDATA", kSecretTimeoutSec);
+constexpr CommandDescription kAuthDataQuery = Reads("AT^AUTHDATA?", "^AUTHDATA", module::kAuthData);
 constexpr auto kAuthDataFields =
     FieldList(Field<&AuthDataInfo::cid>("cid"), Field<&AuthDataInfo::authType>("Auth_type"),
               Field<&AuthDataInfo::plmn>("PLMN"), Field<&AuthDataInfo::passwd>("passwd"),

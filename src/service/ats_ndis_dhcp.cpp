@@ -22,31 +22,18 @@ constexpr char kTraceSrc[] = "atapi/src/ats_ndis";
 // the set form.
 constexpr uint32_t kDefaultCid = 1;
 
-constexpr CommandDescription kDhcpQuery{
-    .format = "AT^DHCP?", .rspPrefix = "^DHCP", .parsePrefix = "^DHCP", .moduleId = module::kDhcp};
-constexpr CommandDescription kDhcpSet{.format = "AT^DHCP=%d",
-                                      .rspPrefix = "^DHCP",
-                                      .parsePrefix = "^DHCP",
-                                      .moduleId = module::kDhcp};
+constexpr CommandDescription kDhcpQuery = Reads("AT^DHCP?", "^DHCP", module::kDhcp);
+constexpr CommandDescription kDhcpSet = kDhcpQuery.WithFormat("AT^DHCP=%d");
 
-constexpr CommandDescription kDhcpV6Query{.format = "AT^DHCPV6?",
-                                          .rspPrefix = "^DHCPV6",
-                                          .parsePrefix = "^DHCPV6",
-                                          .moduleId = module::kDhcp};
-constexpr CommandDescription kDhcpV6Set{.format = "AT^DHCPV6=%d",
-                                        .rspPrefix = "^DHCPV6",
-                                        .parsePrefix = "^DHCPV6",
-                                        .moduleId = module::kDhcp};
+constexpr CommandDescription kDhcpV6Query = Reads("AT^DHCPV6?", "^DHCPV6", module::kDhcp);
+constexpr CommandDescription kDhcpV6Set = kDhcpV6Query.WithFormat("AT^DHCPV6=%d");
 constexpr auto kDhcpV6Fields = FieldList(
     Field<&DhcpV6Info::ipAddr>("clip_v6"), Field<&DhcpV6Info::netMask>("netmask_v6"),
     Field<&DhcpV6Info::gateWay>("gate_v6"), Field<&DhcpV6Info::dhcpServer>("dhcp_v6"),
     Field<&DhcpV6Info::pDns>("pDNS_v6"), Field<&DhcpV6Info::sDns>("sDNS_v6"),
     Field<&DhcpV6Info::maxRxData>("max_rx_data"), Field<&DhcpV6Info::maxTxData>("max_tx_data"));
 
-constexpr CommandDescription kApRaInfo{.format = "AT^APRAINFO=%d",
-                                       .rspPrefix = "^APRAINFO",
-                                       .parsePrefix = "^APRAINFO",
-                                       .moduleId = module::kRaInfo};
+constexpr CommandDescription kApRaInfo = Reads("AT^APRAINFO=%d", "^APRAINFO", module::kRaInfo);
 constexpr auto kApRaFields =
     FieldList(Field<&ApRaInfo::ipv6Mtu>("ipv6_mtu"), Field<&ApRaInfo::prefix>("prefix"),
               Field<&ApRaInfo::preferredLifetime>("preferred_lifetime"),

@@ -23,40 +23,20 @@ constexpr char kTraceSrc[] = "atapi/src/ats_ndis";
 
 constexpr uint32_t kStateTimeoutSec = 5;
 
-constexpr CommandDescription kApconnstQuery{.format = "AT^APCONNST?",
-                                            .rspPrefix = "^APCONNST",
-                                            .parsePrefix = "^APCONNST",
-                                            .moduleId = module::kConnStat,
-                                            .timeoutSec = kStateTimeoutSec};
-constexpr CommandDescription kApconnstSet{.format = "AT^APCONNST=%d",
-                                          .rspPrefix = "^APCONNST",
-                                          .parsePrefix = "^APCONNST",
-                                          .moduleId = module::kConnStat,
-                                          .timeoutSec = kStateTimeoutSec};
+constexpr CommandDescription kApconnstQuery =
+    Reads("AT^APCONNST?", "^APCONNST", module::kConnStat).WithTimeout(kStateTimeoutSec);
+constexpr CommandDescription kApconnstSet = kApconnstQuery.WithFormat("AT^APCONNST=%d");
 
 // ^NDISSTATQRY reads the default connection with cid 1 (^APCONNST with 0).
 constexpr int32_t kNdisDefaultCid = 1;
-constexpr CommandDescription kNdisStatQuery{.format = "AT^NDISSTATQRY?",
-                                            .rspPrefix = "^NDISSTATQRY",
-                                            .parsePrefix = "^NDISSTATQRY",
-                                            .moduleId = module::kConnStat,
-                                            .timeoutSec = kStateTimeoutSec};
-constexpr CommandDescription kNdisStatSet{.format = "AT^NDISSTATQRY=%d",
-                                          .rspPrefix = "^NDISSTATQRY",
-                                          .parsePrefix = "^NDISSTATQRY",
-                                          .moduleId = module::kConnStat,
-                                          .timeoutSec = kStateTimeoutSec};
-constexpr CommandDescription kNdisStatTest{.format = "AT^NDISSTATQRY=?",
-                                           .rspPrefix = "^NDISSTATQRY",
-                                           .parsePrefix = "^NDISSTATQRY",
-                                           .parseMode = AT_PARSE_TEST,
-                                           .moduleId = module::kConnStat,
-                                           .timeoutSec = kStateTimeoutSec};
+constexpr CommandDescription kNdisStatQuery =
+    Reads("AT^NDISSTATQRY?", "^NDISSTATQRY", module::kConnStat).WithTimeout(kStateTimeoutSec);
+constexpr CommandDescription kNdisStatSet = kNdisStatQuery.WithFormat("AT^NDISSTATQRY=%d");
+constexpr CommandDescription kNdisStatTest =
+    kNdisStatQuery.WithFormat("AT^NDISSTATQRY=?").WithMode(AT_PARSE_TEST);
 
-constexpr CommandDescription kDconnStat{.format = "AT^DCONNSTAT?",
-                                        .rspPrefix = "^DCONNSTAT:",
-                                        .parsePrefix = "^DCONNSTAT",
-                                        .moduleId = module::kPosition};
+constexpr CommandDescription kDconnStat =
+    Reads("AT^DCONNSTAT?", "^DCONNSTAT:", "^DCONNSTAT", module::kPosition);
 constexpr auto kDconnStatFields = FieldList(
     Field<&DconnStatEntry::cid>("cid"), Field<&DconnStatEntry::apn>("APN"),
     Field<&DconnStatEntry::ipv4Stat>("ipv4_stat"), Field<&DconnStatEntry::ipv6Stat>("ipv6_stat"),
@@ -64,34 +44,23 @@ constexpr auto kDconnStatFields = FieldList(
     Field<&DconnStatEntry::etherStat>("ether_stat"));
 constexpr int32_t kDconnLines = 16;
 
-constexpr CommandDescription kIpv6Cap{.format = "AT^IPV6CAP?",
-                                      .rspPrefix = "^IPV6CAP",
-                                      .parsePrefix = "^IPV6CAP",
-                                      .moduleId = module::kConnStat,
-                                      .timeoutSec = kStateTimeoutSec};
+constexpr CommandDescription kIpv6Cap =
+    Reads("AT^IPV6CAP?", "^IPV6CAP", module::kConnStat).WithTimeout(kStateTimeoutSec);
 constexpr auto kIpv6CapFields = FieldList(Field<&Ipv6CapInfo::cfgValue>("cfg_value", 1, 11));
 
-constexpr CommandDescription kCardMode{.format = "AT^CARDMODE",
-                                       .rspPrefix = "^CARDMODE",
-                                       .parsePrefix = "^CARDMODE",
-                                       .moduleId = module::kPin};
+constexpr CommandDescription kCardMode = Reads("AT^CARDMODE", "^CARDMODE", module::kPin);
 constexpr auto kCardModeFields = FieldList(Field<&CardModeInfo::simType>("sim_type", 0, 4));
 
-constexpr CommandDescription kHfeatureStat{.format = "AT^HFEATURESTAT=%d",
-                                           .rspPrefix = "^HFEATURESTAT",
-                                           .parsePrefix = "^HFEATURESTAT",
-                                           .moduleId = module::kFeature};
+constexpr CommandDescription kHfeatureStat =
+    Reads("AT^HFEATURESTAT=%d", "^HFEATURESTAT", module::kFeature);
 constexpr auto kHfeatureFields = FieldList(
     Field<&HfeatureStatusInfo::featureId>("feature_id"),
     Field<&HfeatureStatusInfo::value1>("value1"), Field<&HfeatureStatusInfo::value2>("value2"),
     Field<&HfeatureStatusInfo::value3>("value3"), Field<&HfeatureStatusInfo::value4>("value4"),
     Field<&HfeatureStatusInfo::value5>("value5"));
 
-constexpr CommandDescription kLteProfileTest{.format = "AT^LTEPROFILE=?",
-                                             .rspPrefix = "^LTEPROFILE",
-                                             .parsePrefix = "^LTEPROFILE",
-                                             .parseMode = AT_PARSE_TEST,
-                                             .moduleId = module::kNetwork};
+constexpr CommandDescription kLteProfileTest =
+    Reads("AT^LTEPROFILE=?", "^LTEPROFILE", module::kNetwork).WithMode(AT_PARSE_TEST);
 constexpr size_t kIndexRangeSize = 10;  // "first-last" and its terminator
 
 // Exchanges cmd for a state reply. An OK reply stays in msg and gives

@@ -19,55 +19,33 @@ constexpr uint32_t kOpQuery = 0;
 constexpr uint32_t kOpSet = 1;
 constexpr uint32_t kPinTimeoutSec = 5;  // every ^CPIN and +CLCK exchange
 
-constexpr CommandDescription kCpinQuery{
-    .format = "AT+CPIN?", .rspPrefix = "+CPIN", .parsePrefix = "+CPIN", .moduleId = module::kPin};
-constexpr CommandDescription kCpinEnter{
-    .format = "AT+CPIN=\"%s\"", .rspPrefix = "+CPIN", .secrecy = Secrecy::kSecret};
-constexpr CommandDescription kCpinReplace{
-    .format = "AT+CPIN=\"%s\",\"%s\"", .rspPrefix = "+CPIN", .secrecy = Secrecy::kSecret};
+constexpr CommandDescription kCpinQuery = Reads("AT+CPIN?", "+CPIN", module::kPin);
+constexpr CommandDescription kCpinEnter = SecretLine("AT+CPIN=\"%s\"", "+CPIN");
+constexpr CommandDescription kCpinReplace = kCpinEnter.WithFormat("AT+CPIN=\"%s\",\"%s\"");
 constexpr auto kCpinFields = FieldList(Field<&CpinInfo::code>("code"));
 
-constexpr CommandDescription kCpinExQuery{.format = "AT^CPIN?",
-                                          .rspPrefix = "^CPIN",
-                                          .parsePrefix = "^CPIN",
-                                          .moduleId = module::kPin,
-                                          .timeoutSec = kPinTimeoutSec};
-constexpr CommandDescription kCpinExEnter{.format = "AT^CPIN=\"%s\"",
-                                          .rspPrefix = "^CPIN",
-                                          .timeoutSec = kPinTimeoutSec,
-                                          .secrecy = Secrecy::kSecret};
-constexpr CommandDescription kCpinExReplace{.format = "AT^CPIN=\"%s\",\"%s\"",
-                                            .rspPrefix = "^CPIN",
-                                            .timeoutSec = kPinTimeoutSec,
-                                            .secrecy = Secrecy::kSecret};
+constexpr CommandDescription kCpinExQuery =
+    Reads("AT^CPIN?", "^CPIN", module::kPin).WithTimeout(kPinTimeoutSec);
+constexpr CommandDescription kCpinExEnter = SecretLine("AT^CPIN=\"%s\"", "^CPIN", kPinTimeoutSec);
+constexpr CommandDescription kCpinExReplace = kCpinExEnter.WithFormat("AT^CPIN=\"%s\",\"%s\"");
 constexpr auto kCpinExFields = FieldList(
     Field<&CpinExInfo::code>("code"), Field<&CpinExInfo::times>("times"),
     Field<&CpinExInfo::pukTimes>("puk_times"), Field<&CpinExInfo::pinTimes>("pin_times"),
     Field<&CpinExInfo::puk2Times>("puk2_times"), Field<&CpinExInfo::pin2Times>("pin2_times"));
 
-constexpr CommandDescription kCardLockQuery{.format = "AT^CARDLOCK?",
-                                            .rspPrefix = "^CARDLOCK",
-                                            .parsePrefix = "^CARDLOCK",
-                                            .moduleId = module::kPin};
-constexpr CommandDescription kCardLockUnlock{
-    .format = "AT^CARDLOCK=\"%s\"", .rspPrefix = "^CARDLOCK", .secrecy = Secrecy::kSecret};
+constexpr CommandDescription kCardLockQuery = Reads("AT^CARDLOCK?", "^CARDLOCK", module::kPin);
+constexpr CommandDescription kCardLockUnlock = SecretLine("AT^CARDLOCK=\"%s\"", "^CARDLOCK");
 constexpr auto kCardLockFields =
     FieldList(Field<&CardLockInfo::state>("state"), Field<&CardLockInfo::times>("times"));
 
-constexpr CommandDescription kClckQuery{.format = "AT+CLCK=\"%s\",%s",
-                                        .rspPrefix = "+CLCK",
-                                        .parsePrefix = "+CLCK",
-                                        .parseMode = AT_PARSE_SET,
-                                        .moduleId = module::kPin,
-                                        .timeoutSec = kPinTimeoutSec};
-constexpr CommandDescription kClckSet{.format = "AT+CLCK=\"%s\",%s,\"%s\"",
-                                      .rspPrefix = "+CLCK",
-                                      .timeoutSec = kPinTimeoutSec,
-                                      .secrecy = Secrecy::kSecret};
+constexpr CommandDescription kClckQuery = Reads("AT+CLCK=\"%s\",%s", "+CLCK", module::kPin)
+                                              .WithMode(AT_PARSE_SET)
+                                              .WithTimeout(kPinTimeoutSec);
+constexpr CommandDescription kClckSet =
+    SecretLine("AT+CLCK=\"%s\",%s,\"%s\"", "+CLCK", kPinTimeoutSec);
 constexpr auto kClckFields = FieldList(Field<&ClckResult::status>("status"));
 
-constexpr CommandDescription kCpwd{
-    .format = "AT+CPWD=\"%s\",\"%s\",\"%s\"", .rspPrefix = "+CPWD", .secrecy = Secrecy::kSecret};
+constexpr CommandDescription kCpwd = SecretLine("AT+CPWD=\"%s\",\"%s\",\"%s\"", "+CPWD");
 
 // Query forms: an error reply (3, 4) has stored its id and counts as done.
 int32_t QueryResult(int32_t ret) {

@@ -16,17 +16,10 @@ using namespace atapi::api;
 
 constexpr char kTraceSrc[] = "atapi/src/ats_usim";
 
-constexpr CommandDescription kCnum{.format = "AT+CNUM",
-                                   .rspPrefix = "+CNUM",
-                                   .parsePrefix = "+CNUM",
-                                   .moduleId = module::kSysCfg,
-                                   .timeoutSec = 5};
+constexpr CommandDescription kCnum = Reads("AT+CNUM", "+CNUM", module::kSysCfg).WithTimeout(5);
 constexpr int32_t kCnumMaxLines = 255;
 
-constexpr CommandDescription kCsim{.format = "AT+CSIM=%u,\"%s\"",
-                                   .rspPrefix = "+CSIM",
-                                   .parsePrefix = "+CSIM",
-                                   .moduleId = module::kSysCfg};
+constexpr CommandDescription kCsim = Reads("AT+CSIM=%u,\"%s\"", "+CSIM", module::kSysCfg);
 constexpr auto kCsimFields =
     FieldList(Field<&CsimInfo::rspLength>("length"), Field<&CsimInfo::response>("response"));
 constexpr uint32_t kCsimMinLength = 10;
@@ -34,17 +27,12 @@ constexpr uint32_t kCsimMaxLength = 520;
 
 constexpr CommandDescription kHvsst{.format = "AT^HVSST=%d,%d"};
 
-constexpr CommandDescription kSimSwitchQuery{.format = "AT^SIMSWITCH?",
-                                             .rspPrefix = "^SIMSWITCH:",
-                                             .parsePrefix = "^SIMSWITCH",
-                                             .moduleId = module::kSysCfg};
+constexpr CommandDescription kSimSwitchQuery =
+    Reads("AT^SIMSWITCH?", "^SIMSWITCH:", "^SIMSWITCH", module::kSysCfg);
 constexpr CommandDescription kSimSwitchSet{.format = "AT^SIMSWITCH=%d"};
 constexpr auto kSimSwitchFields = FieldList(Field<&SimSwitchInfo::simType>("sim_type"));
 
-constexpr CommandDescription kCardType{.format = "AT^CARDTYPE?",
-                                       .rspPrefix = "^CARDTYPE",
-                                       .parsePrefix = "^CARDTYPE",
-                                       .moduleId = module::kPin};
+constexpr CommandDescription kCardType = Reads("AT^CARDTYPE?", "^CARDTYPE", module::kPin);
 constexpr auto kCardTypeFields =
     FieldList(Field<&CardTypeInfo::cardMode>("cardMode"), Field<&CardTypeInfo::hasCdma>("hasCdma"),
               Field<&CardTypeInfo::hasGsm>("hasGsm"));

@@ -23,12 +23,10 @@ using atapi::usim::kCardUsim;
 
 constexpr char kTraceSrc[] = "atapi/src/ats_usim";
 
-constexpr CommandDescription kCrsmWithData{.format = "AT+CRSM=%d,%d,%d,%d,%d,%s,\"%s\"",
-                                           .parsePrefix = "+CRSM",
-                                           .moduleId = module::kSysCfg};
-constexpr CommandDescription kCrsm{.format = "AT+CRSM=%d,%d,%d,%d,%d,,\"%s\"",
-                                   .parsePrefix = "+CRSM",
-                                   .moduleId = module::kSysCfg};
+constexpr CommandDescription kCrsmWithData =
+    Reads("AT+CRSM=%d,%d,%d,%d,%d,%s,\"%s\"", nullptr, "+CRSM", module::kSysCfg);
+constexpr CommandDescription kCrsm =
+    Reads("AT+CRSM=%d,%d,%d,%d,%d,,\"%s\"", nullptr, "+CRSM", module::kSysCfg);
 
 // The reply's fields, before the response moves to the heap.
 struct CrsmReply {

@@ -25,8 +25,7 @@ constexpr CommandDescription kAnswer{.format = "ATA"};
 constexpr CommandDescription kHangUp{.format = "AT+CHUP"};
 constexpr CommandDescription kHold{.format = "AT+CHLD=%d"};
 
-constexpr CommandDescription kCallList{
-    .format = "AT+CLCC", .rspPrefix = "+CLCC", .parsePrefix = "+CLCC", .moduleId = module::kCall};
+constexpr CommandDescription kCallList = Reads("AT+CLCC", "+CLCC", module::kCall);
 constexpr int32_t kCallListMaxIndex = 20;  // inclusive: 21 entries
 constexpr uint32_t kMaxCallStat = 5;
 constexpr size_t kMaxNumberChars = 40;
@@ -36,8 +35,7 @@ constexpr auto kCallFields =
               Field<&AtsClccInfo::type>("type"));
 
 constexpr char kCallListExTag[] = "AtsClccEx";
-constexpr CommandDescription kCallListEx{
-    .format = "AT^CLCC?", .rspPrefix = "^CLCC:", .parsePrefix = "^CLCC", .moduleId = module::kCall};
+constexpr CommandDescription kCallListEx = Reads("AT^CLCC?", "^CLCC:", "^CLCC", module::kCall);
 constexpr int32_t kCallListExLines = 7;
 constexpr uint32_t kCallExNumberSize = 41;  // 40 characters and the terminator
 constexpr auto kCallExFields = FieldList(

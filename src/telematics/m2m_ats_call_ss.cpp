@@ -38,28 +38,19 @@ struct PresentationQuery {
     const char *exchangeError;  // null: a failed exchange is not logged here
 };
 constexpr PresentationQuery kClipQuery{
-    .description = {.format = "AT+CLIP?",
-                    .rspPrefix = "+CLIP:",
-                    .parsePrefix = "+CLIP",
-                    .moduleId = module::kCall},
+    .description = Reads("AT+CLIP?", "+CLIP:", "+CLIP", module::kCall),
     .retValError = "CLIP query retVal =%d error\n",
     .abortMessage = "at+clip? is aborted\n",
     .exchangeError = nullptr,
 };
 constexpr PresentationQuery kClirQuery{
-    .description = {.format = "AT%s?",
-                    .rspPrefix = "+CLIR:",
-                    .parsePrefix = "+CLIR",
-                    .moduleId = module::kCall},
+    .description = Reads("AT%s?", "+CLIR:", "+CLIR", module::kCall),
     .retValError = "CLIR query retVal =%d error\n",
     .abortMessage = nullptr,
     .exchangeError = nullptr,
 };
 constexpr PresentationQuery kClipExQuery{
-    .description = {.format = "AT^CLIP?",
-                    .rspPrefix = "^CLIP:",
-                    .parsePrefix = "^CLIP",
-                    .moduleId = module::kCall},
+    .description = Reads("AT^CLIP?", "^CLIP:", "^CLIP", module::kCall),
     .retValError = "^CLIP query retVal =%d error\n",
     .abortMessage = nullptr,
     .exchangeError = "AtClipQueryEx, GetDataFromAtServer falied ,ret = %d\n",
@@ -78,17 +69,14 @@ constexpr size_t kCcwaEntries = 8;
 constexpr char kCcwaFormatError[] = "AT^CCWA, snprintf_s error, ret:%d\n";
 
 constexpr CommandDescription kCcwaSet{.format = "AT+CCWA=1,%d,%d"};
-constexpr CommandDescription kCcwaClasses{
-    .format = "AT+CCWA=1,2,", .parsePrefix = "+CCWA", .moduleId = module::kCall};
+constexpr CommandDescription kCcwaClasses = Reads("AT+CCWA=1,2,", nullptr, "+CCWA", module::kCall);
 constexpr CommandDescription kCcwaQuery{.format = "AT+CCWA?"};
 constexpr CommandDescription kCcwaPresent{.format = "AT+CCWA=%d"};
 constexpr CommandDescription kCcwaExSet{.format = "AT^CCWA=1,%d,%d"};
-constexpr CommandDescription kCcwaExClasses{
-    .format = "AT^CCWA=1,2,", .parsePrefix = "^CCWA", .moduleId = module::kCall};
-constexpr CommandDescription kCcwaExQuery{.format = "AT^CCWA?",
-                                          .rspPrefix = "^CCWA:",
-                                          .parsePrefix = "^CCWA",
-                                          .moduleId = module::kCcwaReport};
+constexpr CommandDescription kCcwaExClasses =
+    Reads("AT^CCWA=1,2,", nullptr, "^CCWA", module::kCall);
+constexpr CommandDescription kCcwaExQuery =
+    Reads("AT^CCWA?", "^CCWA:", "^CCWA", module::kCcwaReport);
 constexpr CommandDescription kCcwaExPresent{.format = "AT^CCWA=%d"};
 constexpr CommandDescription kCcwaExEmpty{.format = "AT^CCWA="};
 constexpr auto kCcwaEntryFields =
@@ -97,10 +85,7 @@ constexpr auto kCcwaEntryFields =
 constexpr char kSetCcwaiTag[] = "AtsSetCcwai";
 constexpr char kGetCcwaiTag[] = "AtsGetCcwai";
 constexpr CommandDescription kCcwaiSet{.format = "AT^CCWAI=%d,%d"};
-constexpr CommandDescription kCcwaiQuery{.format = "AT^CCWAI?",
-                                         .rspPrefix = "^CCWAI:",
-                                         .parsePrefix = "^CCWAI",
-                                         .moduleId = module::kCall};
+constexpr CommandDescription kCcwaiQuery = Reads("AT^CCWAI?", "^CCWAI:", "^CCWAI", module::kCall);
 constexpr auto kCcwaiFields = FieldList(Field<&AtsCcwaiInfo::mode>("mode", 0, 1),
                                         Field<&AtsCcwaiInfo::ctrlModeRead>("ctrl_mode", 0, 1));
 
@@ -108,8 +93,7 @@ constexpr int32_t kCcfcQueryMode = 2;
 constexpr size_t kCcfcEntries = 10;
 constexpr size_t kMaxNumberChars = 40;
 constexpr char kCcfcFormatError[] = "AT^CCFC, snprintf_s error, ret:%d\n";
-constexpr CommandDescription kCcfcQuery{
-    .format = "AT+CCFC=%d,%d", .parsePrefix = "+CCFC", .moduleId = module::kCall};
+constexpr CommandDescription kCcfcQuery = Reads("AT+CCFC=%d,%d", nullptr, "+CCFC", module::kCall);
 constexpr CommandDescription kCcfcSet{.format = "AT+CCFC=%d,%d,\"%s\",%d,%d,,,"};
 constexpr CommandDescription kCcfcSetTime{.format = "AT+CCFC=%d,%d,\"%s\",%d,%d,,,%d"};
 

@@ -23,12 +23,10 @@ constexpr int32_t kOpRange = 2;
 constexpr char kTrustFormatError[] = "AT^TRUSTCNUM, snprintf_s ret:%d\n";
 
 constexpr CommandDescription kTrustStore{.format = "AT^TRUSTCNUM=%u,\"%s\""};
-constexpr CommandDescription kTrustRange{.format = "AT^TRUSTCNUM=?",
-                                         .parsePrefix = "^TRUSTCNUM",
-                                         .parseMode = AT_PARSE_TEST,
-                                         .moduleId = module::kSysCfg};
-constexpr CommandDescription kTrustList{
-    .format = "AT^TRUSTCNUM?", .parsePrefix = "^TRUSTCNUM", .moduleId = module::kSysCfg};
+constexpr CommandDescription kTrustRange =
+    Reads("AT^TRUSTCNUM=?", nullptr, "^TRUSTCNUM", module::kSysCfg).WithMode(AT_PARSE_TEST);
+constexpr CommandDescription kTrustList =
+    Reads("AT^TRUSTCNUM?", nullptr, "^TRUSTCNUM", module::kSysCfg);
 constexpr size_t kIndexTextSize = 10;
 constexpr size_t kListPhonenumSize = 26;  // of the entry's 28 bytes
 

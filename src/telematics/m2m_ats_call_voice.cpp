@@ -30,14 +30,14 @@ constexpr ValueCommands kAutoAnswer{
     .formatError = "ATS0, snprintf_s error, ret:%d\n",
 };
 constexpr ValueCommands kMicMute{
-    .query = {.format = "AT+CMUT?", .parsePrefix = "+CMUT", .moduleId = module::kCall},
+    .query = Reads("AT+CMUT?", nullptr, "+CMUT", module::kCall),
     .set = {.format = "AT+CMUT=%d"},
     .nullMessage = "passing mode error\n",
     .enterLog = "execute AT CMUT enter mode = %d type = %d\n",
     .formatError = "AT+CMUT, snprintf_s error, ret:%d\n",
 };
 constexpr ValueCommands kSpeakerMute{
-    .query = {.format = "AT^SMUT?", .parsePrefix = "^SMUT", .moduleId = module::kCall},
+    .query = Reads("AT^SMUT?", nullptr, "^SMUT", module::kCall),
     .set = {.format = "AT^SMUT=%d"},
     .nullMessage = "passing mode error\n",
     .enterLog = "execute AT SMUT enter mode = %d type = %d\n",
@@ -49,20 +49,16 @@ struct MuteValue {
 };
 constexpr auto kMuteFields = FieldList(Field<&MuteValue::nValue>("n_value"));
 
-constexpr CommandDescription kNsQuery{.format = "AT^NSSWITCH?",
-                                      .rspPrefix = "^NSSWITCH:",
-                                      .parsePrefix = "^NSSWITCH",
-                                      .moduleId = module::kCall};
+constexpr CommandDescription kNsQuery =
+    Reads("AT^NSSWITCH?", "^NSSWITCH:", "^NSSWITCH", module::kCall);
 constexpr CommandDescription kNsSet{.format = "AT^NSSWITCH=%d", .rspPrefix = "^NSSWITCH:"};
-constexpr CommandDescription kEchoQuery{
-    .format = "AT^ECHOSWITCH?", .parsePrefix = "^ECHOSWITCH", .moduleId = module::kCall};
+constexpr CommandDescription kEchoQuery =
+    Reads("AT^ECHOSWITCH?", nullptr, "^ECHOSWITCH", module::kCall);
 constexpr CommandDescription kEchoSet{.format = "AT^ECHOSWITCH=%d"};
 constexpr auto kSwitchFields = FieldList(Field<&AtSwitchModeInfo::switchMode>("switch_mode"));
 
-constexpr CommandDescription kEchoExQuery{.format = "AT^ECHOEX?",
-                                          .rspPrefix = "^ECHOEX:",
-                                          .parsePrefix = "^ECHOEX",
-                                          .moduleId = module::kCall};
+constexpr CommandDescription kEchoExQuery =
+    Reads("AT^ECHOEX?", "^ECHOEX:", "^ECHOEX", module::kCall);
 constexpr CommandDescription kEchoExSet{.format = "AT^ECHOEX=%d,%d,%d,%d,%d",
                                         .rspPrefix = "^ECHOEX:"};
 constexpr auto kEchoExFields = FieldList(
@@ -73,8 +69,7 @@ constexpr auto kEchoExFields = FieldList(
 constexpr CommandDescription kDtmf{.format = "AT+VTS=%c,%d"};
 constexpr CommandDescription kDeltaSet{.format = "AT^DELTASET=\"%s\""};
 
-constexpr CommandDescription kCpcmQuery{
-    .format = "AT^CPCM?", .rspPrefix = "^CPCM:", .parsePrefix = "^CPCM", .moduleId = module::kCall};
+constexpr CommandDescription kCpcmQuery = Reads("AT^CPCM?", "^CPCM:", "^CPCM", module::kCall);
 constexpr CommandDescription kCpcmSet{.format = "AT^CPCM=%d,%d,%d,%d,%d", .rspPrefix = "^CPCM:"};
 constexpr auto kCpcmFields =
     FieldList(Field<&AtCpcmParam::mode>("mode"), Field<&AtCpcmParam::format>("format"),

@@ -20,15 +20,13 @@ using atapi::ParseRows;
 
 constexpr char kTraceSrc[] = "atapi/src/m2m_ats_call";
 
-constexpr CommandDescription kModeQuery{.format = "AT^ECLMODE?",
-                                        .rspPrefix = "^ECLMODE:",
-                                        .parsePrefix = "^ECLMODE",
-                                        .moduleId = module::kCall};
+constexpr CommandDescription kModeQuery =
+    Reads("AT^ECLMODE?", "^ECLMODE:", "^ECLMODE", module::kCall);
 constexpr CommandDescription kModeSet{.format = "AT^ECLMODE=%d"};
 constexpr uint32_t kModeCount = 3;  // the module reports 0, 1 or 2
 
-constexpr CommandDescription kImsQuery{
-    .format = "AT^ECLIMSCFG?", .parsePrefix = "^ECLIMSCFG", .moduleId = module::kCall};
+constexpr CommandDescription kImsQuery =
+    Reads("AT^ECLIMSCFG?", nullptr, "^ECLIMSCFG", module::kCall);
 constexpr CommandDescription kImsSet{.format = "AT^ECLIMSCFG=%d"};
 constexpr CommandDescription kImsSetContent{.format = "AT^ECLIMSCFG=%d,\"%s\""};
 constexpr int32_t kImsWithContent = 1;

@@ -24,14 +24,8 @@ using atapi::network::ReplyOutcome;
 
 constexpr char kTraceSrc[] = "atapi/src/m2m_ats_network";
 
-constexpr CommandDescription kMonsc{.format = "AT^MONSC",
-                                    .rspPrefix = "^MONSC:",
-                                    .parsePrefix = "^MONSC",
-                                    .moduleId = module::kNetwork};
-constexpr CommandDescription kMonnc{.format = "AT^MONNC",
-                                    .rspPrefix = "^MONNC:",
-                                    .parsePrefix = "^MONNC",
-                                    .moduleId = module::kNetwork};
+constexpr CommandDescription kMonsc = Reads("AT^MONSC", "^MONSC:", "^MONSC", module::kNetwork);
+constexpr CommandDescription kMonnc = Reads("AT^MONNC", "^MONNC:", "^MONNC", module::kNetwork);
 
 constexpr char kNoService[] = "NONE";
 

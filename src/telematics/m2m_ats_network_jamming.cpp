@@ -22,12 +22,9 @@ constexpr char kTraceSrc[] = "atapi/src/m2m_ats_network";
 // The level of the log line for a row of an unknown technology.
 constexpr int kTraceWarning = 4;
 
-constexpr CommandDescription QuerySpec(const char *format, const char *rspPrefix,
+consteval CommandDescription QuerySpec(const char *format, const char *rspPrefix,
                                        const char *parsePrefix) {
-    return {.format = format,
-            .rspPrefix = rspPrefix,
-            .parsePrefix = parsePrefix,
-            .moduleId = module::kNetwork};
+    return Reads(format, rspPrefix, parsePrefix, module::kNetwork);
 }
 constexpr CommandDescription kSwitchSet{.format = "AT^JDSWITCH=%d"};
 constexpr CommandDescription kSwitchQuery = QuerySpec("AT^JDSWITCH?", "^JDSWITCH:", "^JDSWITCH");

@@ -18,11 +18,10 @@ using atapi::call::CallReply;
 constexpr char kTraceSrc[] = "atapi/src/m2m_ats_sms";
 
 constexpr CommandDescription kCtrlSet{.format = "AT^TNUMCTL=%d,%d,0"};
-constexpr CommandDescription kCtrlQuery{
-    .format = "AT^TNUMCTL?", .parsePrefix = "^TNUMCTL", .moduleId = module::kSysCfg};
+constexpr CommandDescription kCtrlQuery =
+    Reads("AT^TNUMCTL?", nullptr, "^TNUMCTL", module::kSysCfg);
 constexpr char kCtrlFormatError[] = "TNUMCTL snprintf_s ret:%d\n";
-constexpr CommandDescription kList{
-    .format = "AT^TRUSTNUM?", .parsePrefix = "^TRUSTNUM", .moduleId = module::kSysCfg};
+constexpr CommandDescription kList = Reads("AT^TRUSTNUM?", nullptr, "^TRUSTNUM", module::kSysCfg);
 constexpr size_t kPhonenumSize = sizeof(TrustNumEntry::phonenum);
 
 // The outcome of an exchange that came back: OK stores -2 and gives 0, an

@@ -23,17 +23,11 @@ constexpr char kTraceSrc[] = "atapi/src/m2m_ats_usim";
 constexpr uint32_t kQueryTimeoutSec = 5;
 constexpr int32_t kCrsmTimeoutSec = 30;
 
-constexpr CommandDescription kSimSq{.format = "AT^SIMSQ?",
-                                    .rspPrefix = "^SIMSQ:",
-                                    .parsePrefix = "^SIMSQ",
-                                    .moduleId = module::kSysCfg,
-                                    .timeoutSec = kQueryTimeoutSec};
-constexpr CommandDescription kEuiccId{.format = "AT^ESIMEID?",
-                                      .parsePrefix = "^ESIMEID",
-                                      .moduleId = module::kSysCfg,
-                                      .timeoutSec = kQueryTimeoutSec};
-constexpr CommandDescription kCrsmReply{
-    .format = nullptr, .parsePrefix = "+CRSM", .moduleId = module::kSysCfg};
+constexpr CommandDescription kSimSq =
+    Reads("AT^SIMSQ?", "^SIMSQ:", "^SIMSQ", module::kSysCfg).WithTimeout(kQueryTimeoutSec);
+constexpr CommandDescription kEuiccId =
+    Reads("AT^ESIMEID?", nullptr, "^ESIMEID", module::kSysCfg).WithTimeout(kQueryTimeoutSec);
+constexpr CommandDescription kCrsmReply = Reads(nullptr, nullptr, "+CRSM", module::kSysCfg);
 
 struct QueryLogs {
     const char *formatError;

@@ -23,26 +23,17 @@ constexpr int32_t kSet = 1;
 constexpr uint32_t kModeLimit = 2;
 constexpr int32_t kSingleReplySize = 1532;
 
-constexpr CommandDescription kModeQuery{
-    .format = "AT^VMODE?", .parsePrefix = "^VMODE", .moduleId = kV2xModule};
+constexpr CommandDescription kModeQuery = Reads("AT^VMODE?", nullptr, "^VMODE", kV2xModule);
 constexpr CommandDescription kModeSet{.format = "AT^VMODE=%d,%d"};
-constexpr CommandDescription kCbr{
-    .format = "AT^CBR?", .rspPrefix = "^CBR:", .parsePrefix = "^CBR", .moduleId = kV2xModule};
-constexpr CommandDescription kSync{.format = "AT^VSYNCSRC?",
-                                   .rspPrefix = "^VSYNCSRC:",
-                                   .parsePrefix = "^VSYNCSRC",
-                                   .moduleId = kV2xModule};
-constexpr CommandDescription kPdcp{
-    .format = "AT^PTRRPT?", .parsePrefix = "^PTRRPT", .moduleId = kV2xModule};
-constexpr CommandDescription kPhy{
-    .format = "AT^VPHYSTAT?", .parsePrefix = "^VPHYSTAT", .moduleId = kV2xModule};
-constexpr CommandDescription kRsrp{
-    .format = "AT^VSNRRSRP?", .parsePrefix = "^VSNRRSRP", .moduleId = kV2xModule};
-constexpr CommandDescription kRssi{
-    .format = "AT^V2XRSSI?", .parsePrefix = "^V2XRSSI", .moduleId = kV2xModule};
+constexpr CommandDescription kCbr = Reads("AT^CBR?", "^CBR:", "^CBR", kV2xModule);
+constexpr CommandDescription kSync = Reads("AT^VSYNCSRC?", "^VSYNCSRC:", "^VSYNCSRC", kV2xModule);
+constexpr CommandDescription kPdcp = Reads("AT^PTRRPT?", nullptr, "^PTRRPT", kV2xModule);
+constexpr CommandDescription kPhy = Reads("AT^VPHYSTAT?", nullptr, "^VPHYSTAT", kV2xModule);
+constexpr CommandDescription kRsrp = Reads("AT^VSNRRSRP?", nullptr, "^VSNRRSRP", kV2xModule);
+constexpr CommandDescription kRssi = Reads("AT^V2XRSSI?", nullptr, "^V2XRSSI", kV2xModule);
 constexpr CommandDescription kAntSwitchSet{.format = "AT^VTXANTSWITCH=%d"};
-constexpr CommandDescription kAntSwitchQuery{
-    .format = "AT^VTXANTSWITCH?", .parsePrefix = "^VTXANTSWITCH", .moduleId = kV2xModule};
+constexpr CommandDescription kAntSwitchQuery =
+    Reads("AT^VTXANTSWITCH?", nullptr, "^VTXANTSWITCH", kV2xModule);
 constexpr CommandDescription kTxPwrRptCfg{.format = "AT^TXPWRRPTCFG=%d,%d,%d,%u"};
 
 // Logs the call's entry and exit around body.

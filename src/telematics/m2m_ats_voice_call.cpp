@@ -18,15 +18,11 @@ using atapi::call::CallReply;
 
 constexpr char kTraceSrc[] = "atapi/src/m2m_ats_voice_call";
 
-constexpr CommandDescription kPcmfrQuery{.format = "AT^PCMFR?",
-                                         .rspPrefix = "^PCMFR:",
-                                         .parsePrefix = "^PCMFR",
-                                         .moduleId = module::kCall};
+constexpr CommandDescription kPcmfrQuery = Reads("AT^PCMFR?", "^PCMFR:", "^PCMFR", module::kCall);
 constexpr CommandDescription kPcmfrSet{.format = "AT^PCMFR=\"%s\"", .rspPrefix = "^PCMFR:"};
 constexpr char kPcmfrFormatError[] = "AT^PCMFR, snprintf_s ret:%d\n";
 
-constexpr CommandDescription kCmicQuery{
-    .format = "AT+CMIC?", .parsePrefix = "+CMIC", .moduleId = module::kCall};
+constexpr CommandDescription kCmicQuery = Reads("AT+CMIC?", nullptr, "+CMIC", module::kCall);
 constexpr CommandDescription kCmicSet{.format = "AT+CMIC=%d"};
 
 constexpr CommandDescription kVmSet{.format = "AT^VMSET=%d"};

@@ -1,14 +1,13 @@
-// The exchange every command of the call module makes: a cleared record
-// stamped with the caller's thread id and the command's timeout (30 seconds),
-// the line formatted bounded (at most 1539 characters into 1540 bytes),
-// GetDataFromAtServer, and the reply's class read by the function itself.
-// The record, reply text included, is wiped when the reply goes out of scope.
+// What the commands of the call module share beyond the frame: their
+// exchange (the frame's Reply, with the module's log line for a line that
+// did not fit), their reads of a parsed reply and their argument checks.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 
 #include "api/command.h"
+#include "api/reply.h"
 #include "atapi/at_types.h"
 
 namespace atapi::call {
@@ -17,39 +16,12 @@ namespace atapi::call {
 inline constexpr int32_t kQuery = 0;
 inline constexpr int32_t kSet = 1;
 
-class CallReply {
+// The exchange of the call module's commands: a line that did not fit logs
+// formatError (a format taking the formatter's result, -1, or no argument)
+// and sends nothing.
+class CallReply : public api::Reply {
   public:
-    // Sends cmd's line. A line that did not fit logs formatError (a format
-    // taking the formatter's result, -1, or no argument) and sends nothing.
     CallReply(const api::Command &cmd, const char *formatError);
-    CallReply(const CallReply &) = delete;
-    CallReply &operator=(const CallReply &) = delete;
-
-    // 0 when a reply came; else -1 for a line that did not fit, or the
-    // failed exchange's own result.
-    int32_t Status() const { return status_; }
-    // The reply's class; 0 when no reply came.
-    int32_t RetVal() const { return status_ == 0 ? msg_.RetVal() : 0; }
-    bool Ok() const { return RetVal() == AT_RET_OK; }
-    bool Aborted() const { return RetVal() == AT_RET_ABORTED; }
-    // An error reply with a cause (+CME or +CMS ERROR).
-    bool CauseError() const { return RetVal() == AT_RET_CME_ERROR || RetVal() == AT_RET_CMS_ERROR; }
-    // The id of the error reply's text.
-    int32_t MappedErrorId();
-    // The failed exchange's own code, else 0 for OK and -1 for other classes.
-    int32_t Result() const {
-        if (status_ != 0) return status_;
-        return Ok() ? 0 : -1;
-    }
-    char *Text() { return msg_.Report(); }
-    // The reply text parsed as description's reply; *status gets the parser's code.
-    ParseRows Parse(const api::CommandDescription &description, int32_t *status) {
-        return api::ParseReply(description, Text(), status);
-    }
-
-  private:
-    api::OwnedSrvMsg msg_;
-    int32_t status_;
 };
 
 // Sends cmd: 0 for an OK reply, -1 for any other class (abortMessage, when
@@ -58,8 +30,8 @@ class CallReply {
 int32_t SendForOk(const api::Command &cmd, const char *formatError,
                   const char *abortMessage = nullptr);
 
-// Which error replies a function maps to an error id.
-enum class Causes { kCmeOrCms, kCmeOnly };
+using api::Causes;
+using api::SetOutcome;
 
 // How a query takes its parsed reply: rows may be absent (nothing is
 // stored), a row is required, or a row is required and the parser's own
@@ -94,11 +66,6 @@ int32_t ReadFirstRow(CallReply &reply, const api::CommandDescription &descriptio
     StoreRow(rows.Get(), fields, record);
     return 0;
 }
-
-// The outcome of a set that keeps an error id: OK stores -2 and gives 0; an
-// error reply of causes stores its mapped id and gives -1; anything else
-// gives -1 and leaves errorId.
-int32_t SetOutcome(CallReply &reply, int32_t &errorId, Causes causes = Causes::kCmeOrCms);
 
 // The outcome of a query that keeps an error id: as SetOutcome, and an OK
 // reply is read into record first (a failed read gives -1 and leaves

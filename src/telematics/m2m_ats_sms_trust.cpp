@@ -14,6 +14,7 @@ namespace {
 using namespace atapi::api;
 using atapi::ParseRows;
 using atapi::call::CallReply;
+using atapi::call::SetOutcome;
 
 constexpr char kTraceSrc[] = "atapi/src/m2m_ats_sms";
 
@@ -23,15 +24,6 @@ constexpr CommandDescription kCtrlQuery =
 constexpr char kCtrlFormatError[] = "TNUMCTL snprintf_s ret:%d\n";
 constexpr CommandDescription kList = Reads("AT^TRUSTNUM?", nullptr, "^TRUSTNUM", module::kSysCfg);
 constexpr size_t kPhonenumSize = sizeof(TrustNumEntry::phonenum);
-
-// The outcome of an exchange that came back: OK stores -2 and gives 0, an
-// error reply with a cause stores its id, anything else leaves errorId.
-int32_t Outcome(CallReply &reply, int32_t &errorId) {
-    if (reply.CauseError()) errorId = reply.MappedErrorId();
-    if (!reply.Ok()) return -1;
-    errorId = AT_ERRID_OK;
-    return 0;
-}
 
 // The line starting at its '^' into entry; false when it parses to nothing.
 // A number that does not fit leaves phonenum as the bounded copy left it.
@@ -104,7 +96,7 @@ int32_t AtTrustNumCtrl(uint32_t op, TrustNumCtrl *ctrl) {
         AT_LOG_ERR("GetDataFromAtServer fail.\n");
         return -1;
     }
-    if (Outcome(reply, ctrl->errorId) != 0) return -1;
+    if (SetOutcome(reply, ctrl->errorId) != 0) return -1;
     if (op == AT_TRUSTNUM_QUERY) atapi::sms::TrustSwitchesFromReply(reply.Text(), *ctrl);
     return 0;
 }
@@ -119,7 +111,7 @@ int32_t AtTrustNumList(TrustNumList *list) {
         return -1;
     }
     CallReply reply(Command(kList), "TRUSTNUM, snprintf_s ret:%d\n");
-    if (reply.Status() != 0 || Outcome(reply, list->errorId) != 0) return -1;
+    if (reply.Status() != 0 || SetOutcome(reply, list->errorId) != 0) return -1;
     atapi::sms::TrustNumListFromReply(reply.Text(), list->entries, list->count);
     return 0;
 }

@@ -68,16 +68,10 @@ int32_t AtPcmfr(uint32_t op, PcmFrqInfo *info) {
     CallReply reply(set ? Command(kPcmfrSet, info->pcmFrq) : Command(kPcmfrQuery),
                     kPcmfrFormatError);
     if (reply.Status() != 0) return reply.Status();
-    if (reply.Ok()) {
-        if (!set) return ReadPcmFrq(reply, *info);
-        info->errorId = AT_ERRID_OK;
-        return 0;
-    }
-    if (reply.CauseError()) {
-        info->errorId = reply.MappedErrorId();
-        AT_LOG_INFO("PCMFR=%d, error\n", info->errorId);
-    }
-    return -1;
+    if (reply.Ok() && !set) return ReadPcmFrq(reply, *info);
+    const int32_t ret = atapi::call::SetOutcome(reply, info->errorId);
+    if (reply.CauseError()) AT_LOG_INFO("PCMFR=%d, error\n", info->errorId);
+    return ret;
 }
 
 int32_t AtCmic(int32_t op, int32_t *level) {

@@ -7,6 +7,7 @@
 #include <new>
 
 #include "api/command.h"
+#include "api/reply.h"
 #include "atapi/ats_comm.h"
 #include "link/at_log.h"
 #include "platform/bounded.h"
@@ -143,7 +144,7 @@ int32_t AtVersion(VersionInfo *v) {
     }
     ReplyLines<kVersionLines> lines;
     const int32_t ret = Command(kVersionQuery).SendLines(lines, nullptr);
-    if (ret == AT_RET_CME_ERROR || ret == AT_RET_CMS_ERROR) return 0;
+    if (IsCauseError(ret)) return 0;
     if (ret != 0 || lines.Count() < 1) return -1;
     v->lineCount = lines.Count();
     uint32_t found = 0;

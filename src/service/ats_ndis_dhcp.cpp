@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "api/command.h"
+#include "api/reply.h"
 #include "atapi/ats_ndis.h"
 #include "link/at_log.h"
 #include "platform/bounded.h"
@@ -133,18 +134,17 @@ int32_t AtDhcp(uint32_t cid, DhcpInfo *d) {
         return -1;
     }
     AT_LOG_INFO("enter, cid = [%d]", static_cast<int32_t>(cid));
-    const Command cmd =
-        cid == kDefaultCid ? Command(kDhcpQuery) : Command(kDhcpSet, static_cast<int32_t>(cid));
-    OwnedSrvMsg msg;  // the reply text is wiped on the way out
-    if (const int32_t ret = cmd.Exchange(msg); ret != 0) {
+    Reply reply(cid == kDefaultCid ? Command(kDhcpQuery)
+                                   : Command(kDhcpSet, static_cast<int32_t>(cid)));
+    if (reply.Status() != 0) {
         AT_LOG_ERR("AT^DHCP result parse failed");
-        return ret;
+        return reply.Status();
     }
-    if (msg.RetVal() != AT_RET_OK) {
+    if (!reply.Ok()) {
         AT_LOG_ERR("AT^DHCP query error");
         return -1;
     }
-    return atapi::ndis::AtDhcpCmdOk(msg.Report(), d);
+    return atapi::ndis::AtDhcpCmdOk(reply.Text(), d);
 }
 
 int32_t AtDhcpV6(uint32_t cid, DhcpV6Info *d) {

@@ -3,9 +3,9 @@
 // capability, card mode and PIN state, features, LTE attach profile).
 #include <cstdlib>
 #include <cstring>
-#include <optional>
 
 #include "api/command.h"
+#include "api/reply.h"
 #include "atapi/ats_ndis.h"
 #include "atapi/ats_security.h"
 #include "link/at_log.h"
@@ -62,20 +62,6 @@ constexpr auto kHfeatureFields = FieldList(
 constexpr CommandDescription kLteProfileTest =
     Reads("AT^LTEPROFILE=?", "^LTEPROFILE", module::kNetwork).WithMode(AT_PARSE_TEST);
 constexpr size_t kIndexRangeSize = 10;  // "first-last" and its terminator
-
-// Exchanges cmd for a state reply. An OK reply stays in msg and gives
-// nothing; any other outcome is the call's result: an error reply (+CME or
-// +CMS ERROR) stores its mapped id and counts as done, another reply class
-// fails, and a failed exchange passes its code on.
-std::optional<int32_t> ExchangeState(const Command &cmd, OwnedSrvMsg &msg, int32_t &errorId) {
-    if (const int32_t ret = cmd.Exchange(msg); ret != 0) return ret;
-    if (msg.RetVal() == AT_RET_CME_ERROR || msg.RetVal() == AT_RET_CMS_ERROR) {
-        errorId = ErrorStrToErrorId(msg.Report());
-        return 0;
-    }
-    if (msg.RetVal() != AT_RET_OK) return -1;
-    return std::nullopt;
-}
 
 // Per-family connection states: each "status" value applies to the family
 // named by the field behind it; the first one also stands for IPv4.
@@ -233,11 +219,10 @@ extern "C" {
 int32_t AtPppState(uint32_t cid, PppStateInfo *s) {
     if (s == nullptr) return -1;
     AT_LOG_INFO("enter");
-    const Command cmd =
-        cid == 0 ? Command(kApconnstQuery) : Command(kApconnstSet, static_cast<int32_t>(cid));
-    OwnedSrvMsg msg;
-    if (const auto done = ExchangeState(cmd, msg, s->errorId)) return *done;
-    if (atapi::ndis::PppStateFromReply(msg.Report(), *s) != 0) return -1;
+    Reply reply(cid == 0 ? Command(kApconnstQuery)
+                         : Command(kApconnstSet, static_cast<int32_t>(cid)));
+    if (const auto done = ErrorReplyDone(reply, s->errorId)) return *done;
+    if (atapi::ndis::PppStateFromReply(reply.Text(), *s) != 0) return -1;
     s->errorId = AT_ERRID_OK;
     AT_LOG_INFO("end");
     return 0;
@@ -246,11 +231,9 @@ int32_t AtPppState(uint32_t cid, PppStateInfo *s) {
 int32_t AtNdisStatQryState(int32_t cid, NdisStatInfo *s) {
     if (s == nullptr) return -1;
     AT_LOG_INFO("enter");
-    const Command cmd =
-        cid == kNdisDefaultCid ? Command(kNdisStatQuery) : Command(kNdisStatSet, cid);
-    OwnedSrvMsg msg;
-    if (const auto done = ExchangeState(cmd, msg, s->errorId)) return *done;
-    if (atapi::ndis::NdisStateFromReply(msg.Report(), *s) != 0) return -1;
+    Reply reply(cid == kNdisDefaultCid ? Command(kNdisStatQuery) : Command(kNdisStatSet, cid));
+    if (const auto done = ErrorReplyDone(reply, s->errorId)) return *done;
+    if (atapi::ndis::NdisStateFromReply(reply.Text(), *s) != 0) return -1;
     s->errorId = AT_ERRID_OK;
     AT_LOG_INFO("end");
     return 0;
@@ -259,9 +242,9 @@ int32_t AtNdisStatQryState(int32_t cid, NdisStatInfo *s) {
 int32_t AtNdisStatQryTest(NdisCidList *l) {
     if (l == nullptr) return -1;
     memset_s(l, sizeof *l, 0, sizeof *l);
-    OwnedSrvMsg msg;
-    if (const auto done = ExchangeState(Command(kNdisStatTest), msg, l->errorId)) return *done;
-    return atapi::ndis::CidListFromReply(msg.Report(), *l);
+    Reply reply{Command(kNdisStatTest)};
+    if (const auto done = ErrorReplyDone(reply, l->errorId)) return *done;
+    return atapi::ndis::CidListFromReply(reply.Text(), *l);
 }
 
 int32_t AtDconnStatList(int32_t flag, uint32_t *count, DconnStatEntry **list) {
@@ -272,7 +255,7 @@ int32_t AtDconnStatList(int32_t flag, uint32_t *count, DconnStatEntry **list) {
     if (flag != 0) return 0;  // only flag 0 queries
     ReplyLines<kDconnLines> lines;
     const int32_t ret = Command(kDconnStat).SendLines(lines, nullptr);
-    if (ret == AT_RET_CME_ERROR || ret == AT_RET_CMS_ERROR) return 0;
+    if (IsCauseError(ret)) return 0;
     if (ret != 0 || lines.Count() < 1 || lines.Count() > kDconnLines) return -1;
 
     const auto n = static_cast<size_t>(lines.Count());
@@ -305,7 +288,7 @@ int32_t AtIpv6Cap(Ipv6CapInfo *r) {
     if (r == nullptr) return -1;
     const int32_t ret = Command(kIpv6Cap).Query(kIpv6CapFields, *r, &r->errorId);
     if (ret == 0) return 0;
-    if (ret == AT_RET_CME_ERROR || ret == AT_RET_CMS_ERROR) {
+    if (IsCauseError(ret)) {
         AT_LOG_ERR("ret = [%d]", ret);
         return 0;
     }
@@ -342,10 +325,9 @@ int32_t AtHfeatureStatus(uint32_t featureId, HfeatureStatusInfo *h) {
 
 int32_t AtLteProfileTest(LteProfileRange *r) {
     if (r == nullptr) return -1;
-    OwnedSrvMsg msg;
-    if (const int32_t ret = Command(kLteProfileTest).Exchange(msg); ret != 0) return ret;
-    if (msg.RetVal() != AT_RET_OK) return -1;
-    if (atapi::ndis::LteProfileFromReply(msg.Report(), *r) != 0) return -1;
+    Reply reply{Command(kLteProfileTest)};
+    if (!reply.Ok()) return reply.Result();
+    if (atapi::ndis::LteProfileFromReply(reply.Text(), *r) != 0) return -1;
     AT_LOG_INFO("exit");
     return 0;
 }

@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "api/command.h"
+#include "api/reply.h"
 #include "link/at_log.h"
 
 namespace {
@@ -49,7 +50,7 @@ constexpr CommandDescription kCpwd = SecretLine("AT+CPWD=\"%s\",\"%s\",\"%s\"", 
 
 // Query forms: an error reply (3, 4) has stored its id and counts as done.
 int32_t QueryResult(int32_t ret) {
-    if (ret == 0 || ret == AT_RET_CME_ERROR || ret == AT_RET_CMS_ERROR) return 0;
+    if (ret == 0 || IsCauseError(ret)) return 0;
     AT_LOG_ERR("failed");
     return -1;
 }

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "api/command.h"
+#include "api/reply.h"
 #include "atapi/at_text.h"
 #include "atapi/ats_usim.h"
 #include "link/at_log.h"
@@ -90,20 +91,12 @@ int32_t AtCnumQuery(CnumList *l) {
     AT_LOG_INFO("in");
     AT_LOG_INFO("enter");
     if (l == nullptr) return -1;
-    OwnedSrvMsg msg;
-    if (Command(kCnum).Exchange(msg) != 0) return -1;
-    switch (msg.RetVal()) {
-        case AT_RET_CME_ERROR:
-        case AT_RET_CMS_ERROR:
-            l->errorId = ErrorStrToErrorId(msg.Report());
-            return 0;
-        case AT_RET_OK:
-            l->errorId = AT_ERRID_OK;
-            if (msg.Report()[0] == '\0') return 0;
-            return atapi::usim::StoreCnumLines(msg.Report(), l);
-        default:
-            return -1;
-    }
+    Reply reply{Command(kCnum)};
+    if (reply.Status() != 0) return -1;
+    if (const auto done = ErrorReplyDone(reply, l->errorId)) return *done;
+    l->errorId = AT_ERRID_OK;
+    if (reply.Text()[0] == '\0') return 0;
+    return atapi::usim::StoreCnumLines(reply.Text(), l);
 }
 
 int32_t AtCsim(CsimInfo *c) {

@@ -13,16 +13,12 @@
 #include <optional>
 
 #include "api/command.h"
+#include "api/conventions.h"
 #include "api/srv_msg_owner.h"
 #include "atapi/at_text.h"
 #include "atapi/at_types.h"
 
 namespace atapi::api {
-
-// An error reply that carries a cause: +CME ERROR or +CMS ERROR.
-constexpr bool IsCauseError(int32_t retVal) {
-    return retVal == AT_RET_CME_ERROR || retVal == AT_RET_CMS_ERROR;
-}
 
 class Reply {
   public:

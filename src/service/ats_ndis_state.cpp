@@ -63,6 +63,18 @@ constexpr CommandDescription kLteProfileTest =
     Reads("AT^LTEPROFILE=?", "^LTEPROFILE", module::kNetwork).WithMode(AT_PARSE_TEST);
 constexpr size_t kIndexRangeSize = 10;  // "first-last" and its terminator
 
+// A state read: an error reply counts as done, an OK reply is decoded into s.
+template <typename Record>
+int32_t ReadState(const Command &cmd, int32_t (*decode)(char *, Record &), Record &s) {
+    AT_LOG_INFO("enter");
+    Reply reply(cmd);
+    if (const auto done = ErrorReplyDone(reply, s.errorId)) return *done;
+    if (decode(reply.Text(), s) != 0) return -1;
+    s.errorId = AT_ERRID_OK;
+    AT_LOG_INFO("end");
+    return 0;
+}
+
 // Per-family connection states: each "status" value applies to the family
 // named by the field behind it; the first one also stands for IPv4.
 int32_t ReadPppState(const AtCmdParseNode *row, PppStateInfo &s) {
@@ -218,25 +230,15 @@ extern "C" {
 
 int32_t AtPppState(uint32_t cid, PppStateInfo *s) {
     if (s == nullptr) return -1;
-    AT_LOG_INFO("enter");
-    Reply reply(cid == 0 ? Command(kApconnstQuery)
-                         : Command(kApconnstSet, static_cast<int32_t>(cid)));
-    if (const auto done = ErrorReplyDone(reply, s->errorId)) return *done;
-    if (atapi::ndis::PppStateFromReply(reply.Text(), *s) != 0) return -1;
-    s->errorId = AT_ERRID_OK;
-    AT_LOG_INFO("end");
-    return 0;
+    return ReadState(
+        cid == 0 ? Command(kApconnstQuery) : Command(kApconnstSet, static_cast<int32_t>(cid)),
+        atapi::ndis::PppStateFromReply, *s);
 }
 
 int32_t AtNdisStatQryState(int32_t cid, NdisStatInfo *s) {
     if (s == nullptr) return -1;
-    AT_LOG_INFO("enter");
-    Reply reply(cid == kNdisDefaultCid ? Command(kNdisStatQuery) : Command(kNdisStatSet, cid));
-    if (const auto done = ErrorReplyDone(reply, s->errorId)) return *done;
-    if (atapi::ndis::NdisStateFromReply(reply.Text(), *s) != 0) return -1;
-    s->errorId = AT_ERRID_OK;
-    AT_LOG_INFO("end");
-    return 0;
+    return ReadState(cid == kNdisDefaultCid ? Command(kNdisStatQuery) : Command(kNdisStatSet, cid),
+                     atapi::ndis::NdisStateFromReply, *s);
 }
 
 int32_t AtNdisStatQryTest(NdisCidList *l) {

@@ -6,7 +6,7 @@
 #include <cstring>
 
 #include "api/command.h"
-#include "api/reply.h"
+#include "api/conventions.h"
 #include "link/at_log.h"
 
 namespace {
@@ -48,16 +48,25 @@ constexpr auto kClckFields = FieldList(Field<&ClckResult::status>("status"));
 
 constexpr CommandDescription kCpwd = SecretLine("AT+CPWD=\"%s\",\"%s\",\"%s\"", "+CPWD");
 
-// Query forms: an error reply (3, 4) has stored its id and counts as done.
-int32_t QueryResult(int32_t ret) {
-    if (ret == 0 || IsCauseError(ret)) return 0;
+// A query form, its result logged with retLog: an error reply (3, 4) has
+// stored its id and counts as done.
+template <typename Record, size_t N>
+int32_t QueryForm(const Command &cmd, const Fields<Record, N> &fields, Record &r,
+                  const char *retLog) {
+    const int32_t ret = cmd.Query(fields, r, &r.errorId);
+    AT_LOG_INFO(retLog, ret);
+    if (QueryDone(ret)) return 0;
     AT_LOG_ERR("failed");
     return -1;
 }
 
-// Set forms: done when sent, or when the stored error id is 3 or 4.
-int32_t SetResult(int32_t ret, int32_t errorId) {
-    if (ret == 0 || errorId == 3 || errorId == 4) return 0;
+// A set form, its result and stored id logged with log: done when sent, or
+// when the stored error id is 3 or 4.
+int32_t SetForm(const Command &cmd, int32_t &errorId,
+                const char *log = "ret = %d, atExeResult = %d") {
+    const int32_t ret = SendOrLog(kTraceSrc, kFormatFailed, cmd, &errorId);
+    AT_LOG_INFO(log, ret, errorId);
+    if (SetDone(ret, errorId)) return 0;
     AT_LOG_ERR("failed");
     return -1;
 }
@@ -70,50 +79,34 @@ int32_t AtPinManagement(uint32_t op, const char *pin, const char *newPin, CpinIn
     if (op == kOpQuery) {
         AT_LOG_INFO("enter");
         if (r == nullptr) return -1;
-        const int32_t ret = Command(kCpinQuery).Query(kCpinFields, *r, &r->errorId);
-        AT_LOG_INFO("ret = [%d]", ret);
-        return QueryResult(ret);
+        return QueryForm(Command(kCpinQuery), kCpinFields, *r, "ret = [%d]");
     }
     if (op != kOpSet || pin == nullptr || r == nullptr) return -1;
     const bool replace = newPin != nullptr && newPin[0] != '\0';
-    const int32_t ret =
-        replace
-            ? SendOrLog(kTraceSrc, kFormatFailed, Command(kCpinReplace, pin, newPin), &r->errorId)
-            : SendOrLog(kTraceSrc, kFormatFailed, Command(kCpinEnter, pin), &r->errorId);
-    AT_LOG_INFO("ret = [%d], atExeResult= %d", ret, r->errorId);
-    return SetResult(ret, r->errorId);
+    return SetForm(replace ? Command(kCpinReplace, pin, newPin) : Command(kCpinEnter, pin),
+                   r->errorId, "ret = [%d], atExeResult= %d");
 }
 
 int32_t AtPinManagementEx(uint32_t op, const char *pin, const char *newPin, CpinExInfo *r) {
     if (op == kOpQuery) {
         AT_LOG_INFO("enter");
         if (r == nullptr) return -1;
-        const int32_t ret = Command(kCpinExQuery).Query(kCpinExFields, *r, &r->errorId);
-        AT_LOG_INFO("ret = %d", ret);
-        return QueryResult(ret);
+        return QueryForm(Command(kCpinExQuery), kCpinExFields, *r, "ret = %d");
     }
     if (op != kOpSet || pin == nullptr || r == nullptr) return -1;
-    const int32_t ret =
-        newPin != nullptr
-            ? SendOrLog(kTraceSrc, kFormatFailed, Command(kCpinExReplace, pin, newPin), &r->errorId)
-            : SendOrLog(kTraceSrc, kFormatFailed, Command(kCpinExEnter, pin), &r->errorId);
-    AT_LOG_INFO("ret = %d, atExeResult = %d", ret, r->errorId);
-    return SetResult(ret, r->errorId);
+    return SetForm(
+        newPin != nullptr ? Command(kCpinExReplace, pin, newPin) : Command(kCpinExEnter, pin),
+        r->errorId);
 }
 
 int32_t AtSimLock(uint32_t op, const char *code, CardLockInfo *r) {
     if (op == kOpQuery) {
         AT_LOG_INFO("enter");
         if (r == nullptr) return -1;
-        const int32_t ret = Command(kCardLockQuery).Query(kCardLockFields, *r, &r->errorId);
-        AT_LOG_INFO("ret = [%d]", ret);
-        return QueryResult(ret);
+        return QueryForm(Command(kCardLockQuery), kCardLockFields, *r, "ret = [%d]");
     }
     if (op != kOpSet || code == nullptr || r == nullptr) return -1;
-    const int32_t ret =
-        SendOrLog(kTraceSrc, kFormatFailed, Command(kCardLockUnlock, code), &r->errorId);
-    AT_LOG_INFO("ret = %d, atExeResult = %d", ret, r->errorId);
-    return SetResult(ret, r->errorId);
+    return SetForm(Command(kCardLockUnlock, code), r->errorId);
 }
 
 int32_t AtPinEnableDisableCmd(uint32_t op, ClckRequest *q, ClckResult *r) {
@@ -121,25 +114,16 @@ int32_t AtPinEnableDisableCmd(uint32_t op, ClckRequest *q, ClckResult *r) {
     AT_LOG_INFO("enter");
     if (op != kOpSet) return -1;
     if (std::strcmp(q->mode, "2") == 0) {
-        const int32_t ret =
-            Command(kClckQuery, q->fac, q->mode).Query(kClckFields, *r, &r->errorId);
-        AT_LOG_INFO("ret = [%d]", ret);
-        return QueryResult(ret);
+        return QueryForm(Command(kClckQuery, q->fac, q->mode), kClckFields, *r, "ret = [%d]");
     }
     if (std::strcmp(q->mode, "0") != 0 && std::strcmp(q->mode, "1") != 0) return -1;
     if (q->passwd == nullptr) return -1;
-    const int32_t ret = SendOrLog(kTraceSrc, kFormatFailed,
-                                  Command(kClckSet, q->fac, q->mode, q->passwd), &r->errorId);
-    AT_LOG_INFO("ret = %d, atExeResult = %d", ret, r->errorId);
-    return SetResult(ret, r->errorId);
+    return SetForm(Command(kClckSet, q->fac, q->mode, q->passwd), r->errorId);
 }
 
 int32_t AtPinModify(const char *fac, const char *oldPwd, const char *newPwd, int32_t *errorId) {
     if (fac == nullptr || oldPwd == nullptr || newPwd == nullptr || errorId == nullptr) return -1;
-    const int32_t ret =
-        SendOrLog(kTraceSrc, kFormatFailed, Command(kCpwd, fac, oldPwd, newPwd), errorId);
-    AT_LOG_INFO("ret = %d, atExeResult = %d", ret, *errorId);
-    return SetResult(ret, *errorId);
+    return SetForm(Command(kCpwd, fac, oldPwd, newPwd), *errorId);
 }
 
 }  // extern "C"

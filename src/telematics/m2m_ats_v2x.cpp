@@ -110,6 +110,27 @@ int32_t ReadText(const char *tag, const CommandDescription &description, Read re
     return read(rows.Get());
 }
 
+// How a read fetches its reply: as the record's reply text, or through the
+// single-string primitive.
+enum class Fetch { kReply, kSingleText };
+
+// A read into *record, framed by the call's entry and exit logs: a null
+// record is refused with nullLog, else the first row of description's reply
+// goes to read(row, *record).
+template <typename Record, typename Read>
+int32_t ReadRecord(const char *tag, Record *record, const char *nullLog,
+                   const CommandDescription &description, Read read, Fetch fetch = Fetch::kReply) {
+    return Framed(tag, [&] {
+        if (record == nullptr) {
+            AT_LOG_ERR("%s", nullLog);
+            return -1;
+        }
+        const auto readRow = [&](const AtCmdParseNode *row) { return read(row, *record); };
+        return fetch == Fetch::kReply ? ReadRows(description, readRow)
+                                      : ReadText(tag, description, readRow);
+    });
+}
+
 int32_t SetMode(const AtsV2xModeCfgInfo &cfg) {
     constexpr char kCheckTag[] = "AtsV2xModeCheck";
     if (cfg.rat != 0) {
@@ -146,72 +167,38 @@ int32_t AtsV2xModeCfg(int32_t cmdType, AtsV2xModeCfgInfo *v2xModeCfg) {
 }
 
 int32_t AtsV2xCbrQuery(AtsV2xCbrInfo *v2xCbrInfo) {
-    return Framed("AtsV2xCbrQuery", [&] {
-        if (v2xCbrInfo == nullptr) {
-            AT_LOG_ERR("v2xCbrInfo is NULL");
-            return -1;
-        }
-        return ReadRows(
-            kCbr, [&](const AtCmdParseNode *row) { return AtsV2xGetCbrInfo(row, v2xCbrInfo); });
-    });
+    return ReadRecord("AtsV2xCbrQuery", v2xCbrInfo, "v2xCbrInfo is NULL", kCbr,
+                      [](const AtCmdParseNode *row, AtsV2xCbrInfo &info) {
+                          return AtsV2xGetCbrInfo(row, &info);
+                      });
 }
 
 int32_t AtsV2xAccessSyncInfoQuery(AtsV2xSyncInfo *v2xSyncInfo) {
-    return Framed("AtsV2xAccessSyncInfoQuery", [&] {
-        if (v2xSyncInfo == nullptr) {
-            AT_LOG_ERR("v2xSyncInfo is NULL");
-            return -1;
-        }
-        return ReadRows(kSync, [&](const AtCmdParseNode *row) {
-            return AtsV2xGetAccessSyncInfo(row, v2xSyncInfo);
-        });
-    });
+    return ReadRecord("AtsV2xAccessSyncInfoQuery", v2xSyncInfo, "v2xSyncInfo is NULL", kSync,
+                      [](const AtCmdParseNode *row, AtsV2xSyncInfo &info) {
+                          return AtsV2xGetAccessSyncInfo(row, &info);
+                      });
 }
 
 int32_t AtsV2xGetPdcpPacketStats(AtsV2xPdcpPacketStat *v2xPacketStat) {
-    return Framed("AtsV2xGetPdcpPacketStats", [&] {
-        if (v2xPacketStat == nullptr) {
-            AT_LOG_ERR("v2xPacketStat is NULL");
-            return -1;
-        }
-        return ReadRows(
-            kPdcp, [&](const AtCmdParseNode *row) { return ReadPdcpStats(row, *v2xPacketStat); });
-    });
+    return ReadRecord("AtsV2xGetPdcpPacketStats", v2xPacketStat, "v2xPacketStat is NULL", kPdcp,
+                      ReadPdcpStats);
 }
 
 int32_t AtsV2xGetPhyPacketStats(AtsV2xPhyPacketStats *v2xPacketStats) {
-    return Framed("AtsV2xGetPhyPacketStats", [&] {
-        if (v2xPacketStats == nullptr) {
-            AT_LOG_ERR("v2xPacketStats is NULL");
-            return -1;
-        }
-        return ReadRows(
-            kPhy, [&](const AtCmdParseNode *row) { return ReadPhyStats(row, *v2xPacketStats); });
-    });
+    return ReadRecord("AtsV2xGetPhyPacketStats", v2xPacketStats, "v2xPacketStats is NULL", kPhy,
+                      ReadPhyStats);
 }
 
 int32_t AtsV2xGetRsrp(AtsV2xRsrpInfo *v2xRsrpInfo) {
-    constexpr char kTag[] = "AtsV2xGetRsrp";
-    return Framed(kTag, [&] {
-        if (v2xRsrpInfo == nullptr) {
-            AT_LOG_ERR("v2xRsrpInfo is NULL");
-            return -1;
-        }
-        return ReadText(kTag, kRsrp,
-                        [&](const AtCmdParseNode *first) { return ReadRsrp(first, *v2xRsrpInfo); });
-    });
+    return ReadRecord("AtsV2xGetRsrp", v2xRsrpInfo, "v2xRsrpInfo is NULL", kRsrp, ReadRsrp,
+                      Fetch::kSingleText);
 }
 
 int32_t AtsV2xGetRssi(AtsV2xRssiInfo *v2xRssiInfo) {
-    constexpr char kTag[] = "AtsV2xGetRssi";
-    return Framed(kTag, [&] {
-        if (v2xRssiInfo == nullptr) {
-            AT_LOG_ERR("v2xRsrpInfo is NULL");  // shares the RSRP query's text
-            return -1;
-        }
-        return ReadText(kTag, kRssi,
-                        [&](const AtCmdParseNode *row) { return ReadRssi(row, *v2xRssiInfo); });
-    });
+    // A null record is logged with the RSRP query's text.
+    return ReadRecord("AtsV2xGetRssi", v2xRssiInfo, "v2xRsrpInfo is NULL", kRssi, ReadRssi,
+                      Fetch::kSingleText);
 }
 
 int32_t AtsV2xSetDualAntSwitch(int32_t switchValue) {

@@ -3,6 +3,7 @@
 // the caller's record from the first reply row; set forms go out without a
 // reply prefix and leave their outcome in the record's errorId.
 #include "api/command.h"
+#include "api/setting.h"
 #include "atapi/ats_comm.h"
 #include "link/at_log.h"
 #include "service/ats_comm_internal.h"
@@ -21,15 +22,13 @@ constexpr auto kCfunFields = FieldList(Field<&SettingInfo::value>("fun", 0, kNon
 
 // A setting read by the query form and written by the set form ("=%d").
 struct SettingCommands {
-    CommandDescription query;
+    Setting<SettingInfo, 1> forms;
     CommandDescription set;
-    Fields<SettingInfo, 1> fields;
 };
 consteval SettingCommands MakeSetting(const char *query, const char *set, const char *prefix,
                                       int32_t moduleId, const char *field) {
-    return {Reads(query, prefix, moduleId),
-            {.format = set},
-            FieldList(Field<&SettingInfo::value>(field))};
+    return {{Reads(query, prefix, moduleId), kNoTest, FieldList(Field<&SettingInfo::value>(field))},
+            {.format = set}};
 }
 constexpr SettingCommands kCireg =
     MakeSetting("AT+CIREG?", "AT+CIREG=%d", "+CIREG", module::kNetwork, "reg_info");
@@ -58,15 +57,16 @@ constexpr CommandDescription kAdcRead = kAdcRange.WithFormat("AT^ADCREADEX=%d");
 constexpr auto kAdcFields = FieldList(Field<&AdcReadInfo::value>("adc_value"));
 
 constexpr CommandDescription kAntModeQuery = Reads("AT^ANTMODE?", "^ANTMODE", module::kSysCfg);
+constexpr Setting kAntMode{
+    kAntModeQuery, kNoTest,
+    FieldList(Field<&AntModeInfo::nwMode>("nw_mode"), Field<&AntModeInfo::antMode>("ant_mode"))};
 constexpr CommandDescription kAntModeSet{.format = "AT^ANTMODE=%d,%d"};
-constexpr auto kAntModeFields =
-    FieldList(Field<&AntModeInfo::nwMode>("nw_mode"), Field<&AntModeInfo::antMode>("ant_mode"));
+constexpr Setting kSingleAntMode{kAntModeQuery, kNoTest,
+                                 FieldList(Field<&SingleAntModeInfo::ulAntEnable>("ulAntEnable"),
+                                           Field<&SingleAntModeInfo::ulAntIndex>("ulAntIndex"),
+                                           Field<&SingleAntModeInfo::dlAntEnable>("dlAntEnable"),
+                                           Field<&SingleAntModeInfo::dlAntIndex>("dlAntIndex"))};
 constexpr CommandDescription kSingleAntModeSet{.format = "AT^ANTMODE=%d,%d,%d,%d"};
-constexpr auto kSingleAntModeFields =
-    FieldList(Field<&SingleAntModeInfo::ulAntEnable>("ulAntEnable"),
-              Field<&SingleAntModeInfo::ulAntIndex>("ulAntIndex"),
-              Field<&SingleAntModeInfo::dlAntEnable>("dlAntEnable"),
-              Field<&SingleAntModeInfo::dlAntIndex>("dlAntIndex"));
 
 constexpr CommandDescription kXoTempQuery = Reads("AT^XOTEMP?", "^XOTEMP", module::kSysCfg);
 constexpr auto kXoTempFields = FieldList(Field<&XoTempInfo::crystalTemp>("CRYSTALtemp"));
@@ -87,10 +87,9 @@ int32_t AsInt(uint32_t value) { return static_cast<int32_t>(value); }
 
 int32_t QueryOrSet(uint32_t cmdType, const SettingCommands &c, SettingInfo *s) {
     if (s == nullptr) return -1;
-    if (cmdType == AT_COMM_QUERY) return Command(c.query).Query(c.fields, *s, &s->errorId);
-    if (cmdType == AT_COMM_SET)
-        return SendOrLog(kTraceSrc, kFormatError, Command(c.set, AsInt(s->value)), &s->errorId);
-    return -1;
+    return RunForm(
+        cmdType, *s, c.forms, [&c](const SettingInfo &v) { return Command(c.set, AsInt(v.value)); },
+        kTraceSrc, kFormatError);
 }
 
 }  // namespace
@@ -137,27 +136,23 @@ int32_t AtAdcReadEx(uint32_t cmdType, AdcReadInfo *a) {
 
 int32_t AtAntMode(uint32_t cmdType, AntModeInfo *m) {
     if (m == nullptr) return -1;
-    if (cmdType == AT_COMM_QUERY)
-        return Command(kAntModeQuery).Query(kAntModeFields, *m, &m->errorId);
-    if (cmdType == AT_COMM_SET) {
-        return SendOrLog(kTraceSrc, kFormatError,
-                         Command(kAntModeSet, AsInt(m->nwMode), AsInt(m->antMode)), &m->errorId);
-    }
-    return -1;
+    return RunForm(
+        cmdType, *m, kAntMode,
+        [](const AntModeInfo &v) {
+            return Command(kAntModeSet, AsInt(v.nwMode), AsInt(v.antMode));
+        },
+        kTraceSrc, kFormatError);
 }
 
 int32_t AtSingleAntMode(uint32_t cmdType, SingleAntModeInfo *m) {
     if (m == nullptr) return -1;
-    if (cmdType == AT_COMM_QUERY) {
-        return Command(kAntModeQuery).Query(kSingleAntModeFields, *m, &m->errorId);
-    }
-    if (cmdType == AT_COMM_SET) {
-        return SendOrLog(kTraceSrc, kFormatError,
-                         Command(kSingleAntModeSet, AsInt(m->ulAntEnable), AsInt(m->ulAntIndex),
-                                 AsInt(m->dlAntEnable), AsInt(m->dlAntIndex)),
-                         &m->errorId);
-    }
-    return -1;
+    return RunForm(
+        cmdType, *m, kSingleAntMode,
+        [](const SingleAntModeInfo &v) {
+            return Command(kSingleAntModeSet, AsInt(v.ulAntEnable), AsInt(v.ulAntIndex),
+                           AsInt(v.dlAntEnable), AsInt(v.dlAntIndex));
+        },
+        kTraceSrc, kFormatError);
 }
 
 int32_t AtXoTemp(uint32_t cmdType, XoTempInfo *x) {

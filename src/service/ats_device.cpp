@@ -9,6 +9,7 @@
 #include <cstring>
 
 #include "api/command.h"
+#include "api/setting.h"
 #include "atapi/at_text.h"
 #include "link/at_log.h"
 #include "platform/osa.h"
@@ -30,19 +31,6 @@ consteval CommandDescription Read(const char *format, const char *prefix,
                                   uint32_t mode = AT_PARSE_TEST) {
     return Reads(format, prefix, module::kSysCfg).WithMode(mode);
 }
-
-// The commands of one setting: its query, its test form (null format when
-// it has none) and the fields of their answer.
-template <typename Record, size_t N>
-struct Setting {
-    CommandDescription query;
-    CommandDescription test;
-    Fields<Record, N> fields;
-};
-template <typename Record, size_t N>
-Setting(CommandDescription, CommandDescription, Fields<Record, N>) -> Setting<Record, N>;
-
-constexpr CommandDescription kNoTest{.format = nullptr};
 
 constexpr Setting kWakeup{
     Read("AT^WAKEUPCFG?", "^WAKEUPCFG"), Read("AT^WAKEUPCFG=?", "^WAKEUPCFG"),
@@ -103,12 +91,7 @@ int32_t Handle(uint32_t op, Record *r, const Setting<Record, N> &s, MakeSet set,
         AT_LOG_ERR("%s", nullText);
         return -1;
     }
-    if (op == AT_DEVICE_QUERY) return Command(s.query).Query(s.fields, *r, &r->errorId);
-    if (op == AT_DEVICE_SET) return SendOrLog(kTraceSrc, kFormatError, set(*r), &r->errorId);
-    if (op == AT_DEVICE_TEST && s.test.format != nullptr) {
-        return Command(s.test).Query(s.fields, *r, &r->errorId);
-    }
-    return -1;
+    return RunForm(op, *r, s, set, kTraceSrc, kFormatError);
 }
 
 // A report without a set form.

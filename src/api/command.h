@@ -1,8 +1,7 @@
 // The command frame: a command function names its CommandDescription and field
 // list as constants and hands them, with its arguments, to a Command:
 //
-//   constexpr CommandDescription kLockQuery{"AT^CARDLOCK?", "^CARDLOCK", "^CARDLOCK",
-//                                    AT_PARSE_QUERY, module::kPin};
+//   constexpr CommandDescription kLockQuery = Reads("AT^CARDLOCK?", "^CARDLOCK", module::kPin);
 //   constexpr auto kLockFields = FieldList(Field<&CardLockInfo::state>("state"),
 //                                          Field<&CardLockInfo::times>("times"));
 //   ...

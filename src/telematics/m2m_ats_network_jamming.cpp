@@ -22,18 +22,18 @@ constexpr char kTraceSrc[] = "atapi/src/m2m_ats_network";
 // The level of the log line for a row of an unknown technology.
 constexpr int kTraceWarning = 4;
 
-consteval CommandDescription QuerySpec(const char *format, const char *rspPrefix,
-                                       const char *parsePrefix) {
+consteval CommandDescription NetworkQuery(const char *format, const char *rspPrefix,
+                                          const char *parsePrefix) {
     return Reads(format, rspPrefix, parsePrefix, module::kNetwork);
 }
 constexpr CommandDescription kSwitchSet{.format = "AT^JDSWITCH=%d"};
-constexpr CommandDescription kSwitchQuery = QuerySpec("AT^JDSWITCH?", "^JDSWITCH:", "^JDSWITCH");
-constexpr CommandDescription kCfgQuery = QuerySpec("AT^JDCFG?", "^JDCFG:", "^JDCFG");
+constexpr CommandDescription kSwitchQuery = NetworkQuery("AT^JDSWITCH?", "^JDSWITCH:", "^JDSWITCH");
+constexpr CommandDescription kCfgQuery = NetworkQuery("AT^JDCFG?", "^JDCFG:", "^JDCFG");
 constexpr CommandDescription kRptSet{.format = "AT^EMRSSIRPT=%d"};
-constexpr CommandDescription kRptQuery = QuerySpec("AT^EMRSSIRPT?", "^EMRSSIRPT:", "^EMRSSIRPT");
+constexpr CommandDescription kRptQuery = NetworkQuery("AT^EMRSSIRPT?", "^EMRSSIRPT:", "^EMRSSIRPT");
 constexpr CommandDescription kRssiCfgSet{.format = "AT^EMRSSICFG=%d,%d"};
 constexpr CommandDescription kRssiCfgQuery =
-    QuerySpec("AT^EMRSSICFG?", "^EMRSSICFG:", "^EMRSSICFG");
+    NetworkQuery("AT^EMRSSICFG?", "^EMRSSICFG:", "^EMRSSICFG");
 
 // The threshold line of each technology: GSM takes two values.
 struct CfgLine {

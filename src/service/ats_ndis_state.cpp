@@ -289,11 +289,8 @@ int32_t AtDconnStatList(int32_t flag, uint32_t *count, DconnStatEntry **list) {
 int32_t AtIpv6Cap(Ipv6CapInfo *r) {
     if (r == nullptr) return -1;
     const int32_t ret = Command(kIpv6Cap).Query(kIpv6CapFields, *r, &r->errorId);
-    if (ret == 0) return 0;
-    if (IsCauseError(ret)) {
-        AT_LOG_ERR("ret = [%d]", ret);
-        return 0;
-    }
+    if (IsCauseError(ret)) AT_LOG_ERR("ret = [%d]", ret);
+    if (QueryDone(ret)) return 0;
     AT_LOG_ERR("failed");
     return -1;
 }

@@ -123,9 +123,5 @@ static_assert(std::size(kDecoders) == kDecoderCount);
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-    atapi::fuzz::InputReader input(data, size);
-    const uint8_t selector = input.Byte();
-    atapi::fuzz::AllocFailure failure(input.Byte());
-    kDecoders[selector % kDecoderCount](selector, input.Rest());
-    return 0;
+    return atapi::fuzz::RunSelectedDecoder(data, size, kDecoders);
 }

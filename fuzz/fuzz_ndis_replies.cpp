@@ -112,9 +112,5 @@ constexpr Decoder kDecoders[] = {HexIp, Dhcp, PppState, NdisState, CidList, Dcon
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-    atapi::fuzz::InputReader input(data, size);
-    const uint8_t selector = input.Byte();
-    atapi::fuzz::AllocFailure failure(input.Byte());
-    kDecoders[selector % std::size(kDecoders)](input.Rest());
-    return 0;
+    return atapi::fuzz::RunSelectedDecoder(data, size, kDecoders);
 }

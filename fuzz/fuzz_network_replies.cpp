@@ -100,9 +100,5 @@ constexpr Decoder kDecoders[] = {Serving,    Neighbors,      Switches,
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-    atapi::fuzz::InputReader input(data, size);
-    const uint8_t selector = input.Byte();
-    atapi::fuzz::AllocFailure failure(input.Byte());
-    kDecoders[selector % std::size(kDecoders)](input.Rest());
-    return 0;
+    return atapi::fuzz::RunSelectedDecoder(data, size, kDecoders);
 }

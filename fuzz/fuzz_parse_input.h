@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <vector>
 
 #include "parse/at_parse_alloc.h"
@@ -73,6 +74,23 @@ inline size_t TouchResult(const AtCmdParseNode *first) {
         }
     }
     return total;
+}
+
+// The input of the reply decoder targets: a selector byte that picks one of
+// decoders (and is handed on to those that take it), an allocation-failure
+// control byte, then the reply text.
+template <typename Decoder, size_t N>
+int RunSelectedDecoder(const uint8_t *data, size_t size, const Decoder (&decoders)[N]) {
+    InputReader input(data, size);
+    const uint8_t selector = input.Byte();
+    AllocFailure failure(input.Byte());
+    const Decoder decode = decoders[selector % N];
+    if constexpr (std::is_invocable_v<Decoder, uint8_t, const std::string &>) {
+        decode(selector, input.Rest());
+    } else {
+        decode(input.Rest());
+    }
+    return 0;
 }
 
 }  // namespace atapi::fuzz

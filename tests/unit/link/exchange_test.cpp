@@ -34,15 +34,14 @@ TEST(Exchange, ReplyMatchingAndAbortOnFailure) {
         uint32_t wireLength;
         bool lateReplyQueued;  // an old reply of this thread waits in the reply queue
         int32_t result;
-        const char *log;
     };
     constexpr uint32_t kAll = AT_SRV_MSG_SIZE;
     const Case cases[] = {
-        {"late reply dropped first", 0, false, kAll, true, 0, "Error:Msg seq error\n"},
-        {"only a stale reply", -1, false, kAll, false, -1, "Error:Msg seq error\n"},
-        {"newer reply", 1, false, kAll, false, -1, "Error:tmp_msg.seq = 2, pmsg->seq =1\n"},
-        {"no reply", 0, true, kAll, false, -1, "There is no Message in the queue"},
-        {"short reply", 0, false, 1000, false, -1, "Message length is not enough\n"},
+        {"late reply dropped first", 0, false, kAll, true, 0},
+        {"only a stale reply", -1, false, kAll, false, -1},
+        {"newer reply", 1, false, kAll, false, -1},
+        {"no reply", 0, true, kAll, false, -1},
+        {"short reply", 0, false, 1000, false, -1},
     };
     for (const Case &c : cases) {
         SCOPED_TRACE(c.name);
@@ -56,10 +55,8 @@ TEST(Exchange, ReplyMatchingAndAbortOnFailure) {
             AtSrvMsg late = MakeRequest("AT+OLD", "+OLD");
             ASSERT_EQ(AtsMsgQueueExSend(server.SendQueueId(), &late, sizeof late, 0), 1);
         }
-        TraceCapture trace;
         AtSrvMsg msg = MakeRequest(kCmd, kPrefix, 1);
         EXPECT_EQ(GetDataFromAtServer(&msg), c.result);
-        EXPECT_EQ(trace.Count(c.log), 1u) << c.log;
         AtSrvMsg sent = MakeRequest(kCmd, kPrefix, 1);
         sent.seq = 1;
         ASSERT_EQ(server.Requests().size(), 1u);

@@ -168,26 +168,6 @@ TEST(DispatchRows, EveryReachableRow_ParsesInEveryModeAsTheRowSays) {
     EXPECT_GT(parsedRows, 333u);  // at least one parsed mode per row of the text
 }
 
-// No module finds another module's prefixes; a table that runs on finds
-// what follows it, never what precedes it.
-TEST(DispatchRows, PrefixOutsideTheModule_NoEntry) {
-    std::set<std::string> everyPrefix = {"+NOTACMD", "", "+creg", "^CPIN:"};
-    for (const AtParseModule &module : g_atParseModules) {
-        for (const AtParseHandler *row : ReachableRows(module.handlers)) {
-            everyPrefix.insert(row->atName);
-        }
-    }
-    for (const AtParseModule &module : g_atParseModules) {
-        std::set<std::string> own;
-        for (const AtParseHandler *row : ReachableRows(module.handlers)) own.insert(row->atName);
-        for (const std::string &prefix : everyPrefix) {
-            if (own.count(prefix) != 0) continue;
-            const Parsed got = Dispatch(module.moduleId, prefix, prefix + ": 1", AT_PARSE_QUERY);
-            EXPECT_EQ(got.status, AT_PARSE_NO_ENTRY) << Where(module.moduleId, prefix, 0);
-        }
-    }
-}
-
 // Ids without a table, among them those the command families pass (31 for V2X).
 TEST(DispatchRows, ModuleIdWithoutTable_BadArgument) {
     for (const int32_t module : {26, 29, 31, 33, 35, 99, 100, 102, -1, INT32_MIN, INT32_MAX}) {

@@ -1,4 +1,5 @@
-// Null-safe string and number utilities: the edges and null rules callers rely on.
+// Null-safe string and number utilities, bounded case-insensitive search and
+// trimming: the edges and null rules callers rely on.
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -117,6 +118,43 @@ TEST(AtCheckValidNum, RangeAndAnyRange) {
         EXPECT_EQ(AtCheckValidNum(s, minVal, maxVal), expected)
             << Show(s) << " in [" << minVal << ", " << maxVal << "]";
     }
+}
+
+// Only the first bufLen bytes are searched; the last start tried is
+// bufLen - strlen(needle). Cases: buffer, bufLen, needle, offset found (-1: none).
+TEST(AtStrcasestr, FindsWithinTheBound) {
+    const std::tuple<const char *, uint32_t, const char *, int> cases[] = {
+        {"abcdef", 6, "DEF", 3}, {"abcdef", 5, "def", -1}, {"abc", 3, "ABC", 0},
+        {"abc", 2, "abc", -1},   {"xxABxxab", 8, "ab", 2}, {"abc", 3, "", -1},
+        {nullptr, 3, "a", -1},   {"abc", 3, nullptr, -1}};
+    for (const auto &[buf, bufLen, needle, offset] : cases) {
+        EXPECT_EQ(AtStrcasestr(buf, bufLen, needle), offset < 0 ? nullptr : buf + offset) << bufLen;
+    }
+    const char unterminated[4] = {'a', 'b', 'C', 'd'};
+    EXPECT_EQ(AtStrcasestr(unterminated, sizeof unterminated, "cd"), unterminated + 2);
+}
+
+// Only line feed, carriage return and blank are whitespace here; srcLen must
+// stay below dstSize. Cases: source, srcLen, dstSize, result (null: fails).
+TEST(AtStringTrim, TrimsLineEndsAndBlanksOnly) {
+    const std::tuple<const char *, uint32_t, uint32_t, const char *> cases[] = {
+        {" \r\nab c\r\n ", 10, 32, "ab c"},
+        {"\tab\t", 4, 32, "\tab\t"},
+        {"\vab\n", 4, 32, "\vab"},
+        {"   ", 3, 32, ""},
+        {"abc", 3, 4, "abc"},
+        {"  abc  ", 4, 32, "ab"},
+        {"abc", 3, 3, nullptr},
+        {"ab", 0, 32, nullptr},
+        {nullptr, 3, 32, nullptr}};
+    for (const auto &[src, srcLen, dstSize, trimmed] : cases) {
+        char dst[32];
+        EXPECT_EQ(AtStringTrim(src, srcLen, dst, dstSize), trimmed != nullptr ? 0 : 1) << srcLen;
+        if (trimmed != nullptr) {
+            EXPECT_STREQ(dst, trimmed);
+        }
+    }
+    EXPECT_EQ(AtStringTrim("abc", 3, nullptr, 8), 1);
 }
 
 }  // namespace

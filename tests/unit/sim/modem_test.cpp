@@ -58,8 +58,8 @@ TEST(FaultScenario, ConversationInOrder) {
 TEST(FailRules, AnswerAheadOfTheScenario) {
     Scenario scenario;
     std::string error;
-    for (const char *spec : {"AT+CGMI=FINE", "=ERROR", "AT+CGMI", "AT=SILENT"}) {
-        EXPECT_FALSE(AddFailRule(spec, &scenario, &error)) << spec;
+    for (const char *rule : {"AT+CGMI=FINE", "=ERROR", "AT+CGMI", "AT=SILENT"}) {
+        EXPECT_FALSE(AddFailRule(rule, &scenario, &error)) << rule;
     }
     ModemHarness harness("default.scn", {"AT+CGDCONT?=+CME ERROR: 10", "AT+C*=+CMS ERROR: 310",
                                          "AT^NDISDUP=*=silent", "AT+CGMI=ERROR"});

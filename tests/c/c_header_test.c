@@ -1,5 +1,6 @@
-/* The public headers compile as C11 and the records keep their layout; a
- * user of the library sees those headers and none of its internal ones. */
+/* The public headers compile as C11 (their layout checks with them) and a C
+ * program calls through them; a user of the library sees those headers and
+ * none of its internal ones. */
 #include <atapi/atapi.h>
 #include <stdio.h>
 #include <string.h>
@@ -18,33 +19,18 @@
 int main(void) {
     AtSrvMsg msg;
     memset(&msg, 0, sizeof msg);
-    if (sizeof msg != 1636 || offsetof(AtSrvMsg, sndRcvMsg.rMsg.retVal) != 1624) {
-        puts("AtSrvMsg layout broken");
-        return 1;
-    }
     if (AtInitCommonMsgHandler(&msg, "AT+CGMI", "+CGMI", 0, 30) != 0 || msg.timeoutSec != 30 ||
         strcmp(msg.sndRcvMsg.sMsg.atCmdStr, "AT+CGMI") != 0) {
         puts("AtInitCommonMsgHandler from C failed");
         return 1;
     }
-    if (ErrorStrToErrorId("+CME ERROR: 10") != 13 || SafeStrCmp(NULL, NULL) != 0) {
-        puts("error mapping from C failed");
-        return 1;
-    }
     AtCmdParseNode *rows = NULL;
     char reply[] = "+CPIN: READY";
-    if (ParseAtCmdFunc(&rows, "+CPIN", reply, 2, AT_PARSE_QUERY) != 0 || rows == NULL) {
+    if (ParseAtCmdFunc(&rows, "+CPIN", reply, 2, AT_PARSE_QUERY) != 0 || rows == NULL ||
+        strcmp(rows->atFieldValue, "READY") != 0) {
         puts("parse from C failed");
         return 1;
     }
     FreeAtCmd(rows);
-    AtsTimeInfo utc = {0, 10, 0, 1, 1, 2024, {0, 0, 0, 0, 0}, -1};
-    AtsTimeInfo local;
-    memset(&local, 0, sizeof local);
-    if (AtsUniversalTimeToLocalTime(&utc, &local) != 0 || local.tm_year != 2023 ||
-        local.tm_mon != 12 || local.tm_mday != 31 || local.tm_hour != 23 || local.tm_min != 55) {
-        puts("time translation from C failed");
-        return 1;
-    }
     return 0;
 }

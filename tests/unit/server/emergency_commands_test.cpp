@@ -8,63 +8,31 @@
 namespace atserver::test {
 namespace {
 
+// clang-format off
 TEST(EmergencyCommand, DialsOfListedNumbersAndEcallStepsGoFirst) {
-    struct Row {
-        const char *command;
-        bool emergency;
-    };
-    const Row rows[] = {
-        {"ATD112;", true},
-        {"ATD911;", true},
-        {"ATD 112;", true},
-        {"AT D 1 1 2 ;", true},
-        {"atd112;", true},
-        {"ATDT112;", true},
-        {"ATDP911;", true},
-        {"ATD112I;", true},
-        {"ATD112g;", true},
-        {"ATD112", true},  // without ';' it is still a dial of 112
-        {"ATD01121234;", false},
-        {"ATD1120;", false},
-        {"ATD0112;", false},
-        {"ATD11;", false},
-        {"ATD+112;", false},
-        {"ATD112A;", false},  // A is a tone, not a modifier
-        {"ATD>112;", false},
-        {"ATDL;", false},
-        {"ATD;", false},
-        {"AT+CGDCONT=1,\"IP\",\"112\"", false},
-        {"AT^TRUSTCNUM=0,\"112\"", false},
-        {"AT^ECLSTART=1,2,\"112\",3", true},
-        {"AT^ECLSTART=?", true},
-        {"at^eclstart?", true},
-        {"AT^ECLMSD=\"0102\"", true},
-        {"AT^ECLPUSH", true},
-        {"AT^ECLSTOP", true},
-        {"AT ^ECLABORT", true},
-        {"AT^ECLABORT;", true},
-        {"AT^ECLSTARTX", false},
-        {"AT^ECLSTOPPED", false},
-        {"AT^ECLMODE=1", false},
-        {"AT^ECLCFG=1,2,3", false},
-        {"AT^ECLIMSCFG?", false},
-        {"^ECLSTART=1", false},
-        {"XT^ECLPUSH", false},
-        {"", false},
-    };
-    for (const Row &row : rows) {
-        EXPECT_EQ(IsEmergencyCommand(row.command, DefaultEmergencyNumbers()), row.emergency)
-            << row.command;
+    const char *const emergency[] = {
+        "ATD112;", "ATD911;", "AT D 1 1 2 ;", "atd112;", "ATDT112;", "ATDP911;", "ATD112I;",
+        "ATD112g;", "ATD112",  // without ';' it is still a dial of 112
+        "AT^ECLSTART=1,2,\"112\",3", "AT^ECLSTART=?", "at^eclstart?", "AT^ECLMSD=\"0102\"",
+        "AT^ECLPUSH", "AT^ECLSTOP", "AT ^ECLABORT", "AT^ECLABORT;"};
+    const char *const ordinary[] = {
+        "ATD01121234;", "ATD1120;", "ATD0112;", "ATD11;", "ATD+112;",
+        "ATD112A;",  // A is a tone, not a modifier
+        "ATD>112;", "ATDL;", "ATD;", "AT+CGDCONT=1,\"IP\",\"112\"", "AT^TRUSTCNUM=0,\"112\"",
+        "AT^ECLSTARTX", "AT^ECLSTOPPED", "AT^ECLMODE=1", "AT^ECLCFG=1,2,3", "AT^ECLIMSCFG?",
+        "^ECLSTART=1", "XT^ECLPUSH", ""};
+    for (const char *command : emergency) {
+        EXPECT_TRUE(IsEmergencyCommand(command, DefaultEmergencyNumbers())) << command;
     }
-}
-
-TEST(EmergencyCommand, TheListDecidesWhichNumbersAreEmergency) {
+    for (const char *command : ordinary) {
+        EXPECT_FALSE(IsEmergencyCommand(command, DefaultEmergencyNumbers())) << command;
+    }
+    // The list decides which numbers are emergency; eCall steps are whatever it holds.
     const EmergencyNumbers numbers{"999", "+112", "*31#"};
-    EXPECT_TRUE(IsEmergencyCommand("ATD999;", numbers));
-    EXPECT_TRUE(IsEmergencyCommand("ATD+112;", numbers));
-    EXPECT_TRUE(IsEmergencyCommand("ATD*31#;", numbers));
+    for (const char *command : {"ATD999;", "ATD+112;", "ATD*31#;", "AT^ECLPUSH"}) {
+        EXPECT_TRUE(IsEmergencyCommand(command, numbers)) << command;
+    }
     EXPECT_FALSE(IsEmergencyCommand("ATD112;", numbers));
-    EXPECT_TRUE(IsEmergencyCommand("AT^ECLPUSH", numbers));
     EXPECT_TRUE(IsEmergencyCommand("AT^ECLPUSH", {}));
     EXPECT_FALSE(IsEmergencyCommand("ATD112;", {}));
 }
@@ -72,26 +40,20 @@ TEST(EmergencyCommand, TheListDecidesWhichNumbersAreEmergency) {
 TEST(EmergencyCommand, ParsesTheNumberList) {
     struct Row {
         const char *list;
-        bool ok;
-        EmergencyNumbers numbers;
+        EmergencyNumbers numbers;  // empty: refused
     };
     const Row rows[] = {
-        {"112", true, {"112"}},
-        {"112,911,999", true, {"112", "911", "999"}},
-        {"+112,*31#", true, {"+112", "*31#"}},
-        {"", false, {}},
-        {"112,", false, {}},
-        {",112", false, {}},
-        {"112,,911", false, {}},
-        {"112 ,911", false, {}},
-        {"11a", false, {}},
+        {"112", {"112"}}, {"112,911,999", {"112", "911", "999"}}, {"+112,*31#", {"+112", "*31#"}},
+        {"", {}}, {"112,", {}}, {",112", {}}, {"112,,911", {}}, {"112 ,911", {}}, {"11a", {}},
     };
     for (const Row &row : rows) {
         EmergencyNumbers parsed{"kept"};
-        EXPECT_EQ(ParseEmergencyNumbers(row.list, &parsed), row.ok) << row.list;
-        EXPECT_EQ(parsed, row.ok ? row.numbers : EmergencyNumbers{"kept"}) << row.list;
+        const bool ok = !row.numbers.empty();
+        EXPECT_EQ(ParseEmergencyNumbers(row.list, &parsed), ok) << row.list;
+        EXPECT_EQ(parsed, ok ? row.numbers : EmergencyNumbers{"kept"}) << row.list;
     }
 }
+// clang-format on
 
 }  // namespace
 }  // namespace atserver::test

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <deque>
 #include <string>
 #include <vector>
@@ -41,13 +42,9 @@ class FakeQueue final : public ReplyOutbox::Queue {
 
     // The caller of mtype takes its reply.
     void Take(int32_t mtype) {
-        for (auto it = held_.begin(); it != held_.end(); ++it) {
-            if (*it == mtype) {
-                held_.erase(it);
-                return;
-            }
-        }
-        ADD_FAILURE() << "no reply for " << mtype;
+        const auto it = std::find(held_.begin(), held_.end(), mtype);
+        ASSERT_NE(it, held_.end()) << "no reply for " << mtype;
+        held_.erase(it);
     }
     std::vector<std::string> Log() { return std::exchange(log_, {}); }
     void SetFailing(bool failing) { failing_ = failing; }

@@ -14,17 +14,22 @@
 namespace atsim::test {
 
 struct ModemHarness {
-    explicit ModemHarness(const char *shippedScenario)
-        : ModemHarness(std::string(ATSIM_SCENARIO_DIR) + "/" + shippedScenario, ReadWholeFile) {}
+    // A shipped scenario, with fail rules added in order.
+    explicit ModemHarness(const char *shipped, const std::vector<std::string> &failRules = {})
+        : ModemHarness(std::string(ATSIM_SCENARIO_DIR) + "/" + shipped, ReadWholeFile, failRules) {}
     // A scenario given as text.
     ModemHarness(const std::string &name, const std::string &content)
         : ModemHarness(name, [&content](const std::string &, std::string *out) {
               *out = content;
               return true;
           }) {}
-    ModemHarness(const std::string &path, const FileReader &reader) {
+    ModemHarness(const std::string &path, const FileReader &reader,
+                 const std::vector<std::string> &failRules = {}) {
         std::string error;
         EXPECT_TRUE(LoadScenario(path, reader, &scenario, &error)) << error;
+        for (const std::string &rule : failRules) {
+            EXPECT_TRUE(AddFailRule(rule, &scenario, &error)) << error;
+        }
         ModemOptions options;
         options.periodicUrcs = false;
         options.log = [this](const std::string &line) { logs.push_back(line); };
@@ -48,6 +53,24 @@ inline std::string Framed(const std::vector<std::string> &lines) {
     std::string out;
     for (const std::string &line : lines) out += "\r\n" + line + "\r\n";
     return out;
+}
+
+// Bytes written, then time let pass, then everything sent back meanwhile: the
+// echo, if any, and framed lines.
+struct Exchange {
+    std::string input;
+    Millis waitMs;
+    std::vector<std::string> output;
+    std::string echo = {};
+};
+
+inline void Play(ModemHarness &harness, const std::vector<Exchange> &exchanges) {
+    Millis elapsed = 0;
+    for (const Exchange &e : exchanges) {
+        elapsed += e.waitMs;
+        EXPECT_EQ(harness.Exchange(e.input, e.waitMs), e.echo + Framed(e.output))
+            << "writing \"" << e.input.substr(0, 40) << "\", at " << elapsed << " ms";
+    }
 }
 
 }  // namespace atsim::test

@@ -17,62 +17,56 @@
 namespace atsim::test {
 namespace {
 
-// Bytes written, then time let pass, then everything sent back meanwhile.
-struct Exchange {
-    std::string input;
-    Millis waitMs;
-    std::string output;
-};
-
 TEST(FaultScenario, ConversationInOrder) {
     const std::string binary("AT+ECHOCMD\0\xff\x01", 13);
     const std::string overlong = "AT+ECHOCMD" + std::string(Modem::kMaxLineLength, 'x');
-    const Exchange exchanges[] = {
+    ModemHarness harness("faults.scn");
+    // clang-format off
+    Play(harness, {
         // Framing: CR ends a command, LF is ignored, case does not matter,
         // a command may arrive in pieces and several in one write.
-        {"AT\r", 0, Framed({"OK"})},
-        {"at+cgmi\r\n", 0, Framed({"Atsim Modems", "OK"})},
-        {"\nAT+C", 0, ""},
-        {"GMI\rAT\r", 0, Framed({"Atsim Modems", "OK", "OK"})},
-        {"AT+NOSUCHCOMMAND\r", 0, Framed({"ERROR"})},
-        {"ATE1\r", 0, Framed({"OK"})},
-        {"AT\r", 0, "AT\r" + Framed({"OK"})},
-        {"ATE0\r", 0, "ATE0\r" + Framed({"OK"})},
-        // State: conditions, set and add.
-        {"AT+CPIN?\r", 0, Framed({"+CPIN: SIM PIN", "OK"})},
-        {"AT+CPIN=\"0000\"\r", 0, Framed({"+CME ERROR: 16"})},
-        {"AT^CPIN?\r", 0, Framed({"^CPIN: SIM PIN,2,10,2,10,3", "OK"})},
-        {"AT+CPIN=\"1234\"\r", 0, Framed({"OK"})},
-        {"AT+CPIN?\r", 0, Framed({"+CPIN: READY", "OK"})},
+        {"AT\r", 0, {"OK"}},
+        {"at+cgmi\r\n", 0, {"Atsim Modems", "OK"}},
+        {"\nAT+C", 0, {}}, {"GMI\rAT\r", 0, {"Atsim Modems", "OK", "OK"}},
+        {"AT+NOSUCHCOMMAND\r", 0, {"ERROR"}},
+        {"ATE1\r", 0, {"OK"}}, {"AT\r", 0, {"OK"}, "AT\r"}, {"ATE0\r", 0, {"OK"}, "ATE0\r"},
+        {"AT+CPIN=\"1234\"\r", 0, {"OK"}},  // dial-up below needs the PIN
         // A delay holds the commands behind it; unsolicited lines wait for
         // the end of a reply or come where a rule puts them.
-        {"AT+SLOW\r", 1499, ""},
-        {"", 1, Framed({"OK"})},
-        {"AT+SLOW=40\rAT\r", 39, ""},
-        {"", 1, Framed({"OK", "OK"})},
-        {"AT^NDISDUP=1,1,\"internet\"\r", 199, Framed({"OK"})},
-        {"", 1, Framed({"^NDISSTAT: 1,1,0,0,\"IPV4\""})},
-        {"AT^NDISDUP=1,0\rAT+SLOW=300\r", 250, Framed({"OK"})},
-        {"", 50, Framed({"OK", "^NDISSTAT: 1,0,0,0,\"IPV4\""})},
-        {"AT+URCMID\r", 0, Framed({"+URCMID: 1", "^RSSI: 17", "+URCMID: 2", "OK"})},
+        {"AT+SLOW\r", 1499, {}}, {"", 1, {"OK"}},
+        {"AT+SLOW=40\rAT\r", 39, {}}, {"", 1, {"OK", "OK"}},
+        {"AT^NDISDUP=1,1,\"internet\"\r", 199, {"OK"}},
+        {"", 1, {"^NDISSTAT: 1,1,0,0,\"IPV4\""}},
+        {"AT^NDISDUP=1,0\rAT+SLOW=300\r", 250, {"OK"}},
+        {"", 50, {"OK", "^NDISSTAT: 1,0,0,0,\"IPV4\""}},
+        {"AT+URCMID\r", 0, {"+URCMID: 1", "^RSSI: 17", "+URCMID: 2", "OK"}},
         // Hostile input: bytes are just text; an over-long line is dropped.
-        {binary + "\r", 0, Framed({"+ECHOCMD: " + binary, "OK"})},
-        {overlong + "\r", 0, ""},
-        {"AT\r", 0, Framed({"OK"})},
+        {binary + "\r", 0, {"+ECHOCMD: " + binary, "OK"}},
+        {overlong + "\r", 0, {}}, {"AT\r", 0, {"OK"}},
         // Faults: no answer at all, then a closed port.
-        {"AT+SILENT\r", 60000, ""},
-        {"AT\r", 0, Framed({"OK"})},
-        {"AT+HANGUP\r", 0, Framed({"+HANGUP: cut short"})},
-        {"AT\r", 1000, ""},
-    };
-    ModemHarness harness("faults.scn");
-    for (const Exchange &e : exchanges) {
-        EXPECT_EQ(harness.Exchange(e.input, e.waitMs), e.output)
-            << "after writing " << e.input.substr(0, 40);
-    }
+        {"AT+SILENT\r", 60000, {}}, {"AT\r", 0, {"OK"}},
+        {"AT+HANGUP\r", 0, {"+HANGUP: cut short"}}, {"AT\r", 1000, {}},
+    });
+    // clang-format on
     EXPECT_TRUE(harness.modem->HungUp());
     EXPECT_EQ(harness.logs,
               std::vector<std::string>{"atsim: dropped an input line of 4106 bytes (limit 4096)"});
+}
+
+// A fail rule answers ahead of the scenario and of the fail rules added
+// before it; a result that is no final result is refused.
+TEST(FailRules, AnswerAheadOfTheScenario) {
+    Scenario scenario;
+    std::string error;
+    for (const char *rule : {"AT+CGMI=FINE", "=ERROR", "AT+CGMI", "AT=SILENT"}) {
+        EXPECT_FALSE(AddFailRule(rule, &scenario, &error)) << rule;
+    }
+    ModemHarness harness("default.scn", {"AT+CGDCONT?=+CME ERROR: 10", "AT+C*=+CMS ERROR: 310",
+                                         "AT^NDISDUP=*=silent", "AT+CGMI=ERROR"});
+    Play(harness, {{"AT+CGDCONT?\r", 0, {"+CMS ERROR: 310"}},
+                   {"AT+CGMI\r", 0, {"ERROR"}},
+                   {"AT^NDISDUP=1,1\r", 0, {}},
+                   {"AT\r", 0, {"OK"}}});
 }
 
 constexpr uint32_t kSet = AT_PARSE_SET;
@@ -97,35 +91,6 @@ std::string ReplyText(const std::string &wire) {
         text.replace(at, 4, "\r\n");
     }
     return text.size() < 4 ? "" : text.substr(2, text.size() - 4);
-}
-
-// A fail rule answers ahead of the scenario and of the fail rules added
-// before it; a result that is no final result is refused.
-TEST(FailRules, AnswerAheadOfTheScenario) {
-    Scenario scenario;
-    std::string error;
-    ASSERT_TRUE(LoadScenario(std::string(ATSIM_SCENARIO_DIR) + "/default.scn", ReadWholeFile,
-                             &scenario, &error));
-    for (const char *spec : {"AT+CGDCONT?=+CME ERROR: 10", "AT+C*=+CMS ERROR: 310",
-                             "AT^NDISDUP=*=silent", "AT+CGMI=ERROR"}) {
-        ASSERT_TRUE(AddFailRule(spec, &scenario, &error)) << error;
-    }
-    for (const char *spec : {"AT+CGMI=FINE", "=ERROR", "AT+CGMI", "AT=SILENT"}) {
-        EXPECT_FALSE(AddFailRule(spec, &scenario, &error)) << spec;
-    }
-    ModemOptions options;
-    options.periodicUrcs = false;
-    Modem modem(scenario, std::move(options), 0);
-    const std::pair<const char *, std::string> cases[] = {
-        {"AT+CGDCONT?", Framed({"+CMS ERROR: 310"})},
-        {"AT+CGMI", Framed({"ERROR"})},
-        {"AT^NDISDUP=1,1", ""},
-        {"AT", Framed({"OK"})}};
-    for (const auto &[command, output] : cases) {
-        modem.Receive(std::string(command) + "\r", 0);
-        modem.Advance(0);
-        EXPECT_EQ(modem.TakeOutput(), output) << command;
-    }
 }
 
 TEST(DefaultScenario, RepliesFillEveryTemplateField) {

@@ -42,8 +42,6 @@ TEST(LoadScenario, ErrorsNameFileAndLine) {
          "main.scn:4: nothing but 'after' or 'trigger' may follow the end of a reply"},
         {"event e\n  line x\n  final OK\n",
          "main.scn:3: 'final' in an event (an event sends unsolicited lines, never a reply)"},
-        {"event e\n  delay 10\n",
-         "main.scn:2: 'delay' in an event (an event sends unsolicited lines, never a reply)"},
         {"event 1e\n", "main.scn:1: bad event name '1e'"},
         {"on AT\n  trigger 10\n", "main.scn:2: expected 'trigger <ms> <event name>'"},
         {"event e\non AT\n  trigger 10 e\n  trigger 5 f\n",

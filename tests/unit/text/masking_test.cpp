@@ -1,7 +1,9 @@
 // Masking routines: the exact masked line that reaches the trace, and that
-// the secret itself never does; the command-class map that picks them.
+// the secret itself never does; the command-class map that picks them and
+// its lookup.
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <string>
 #include <utility>
 
@@ -88,7 +90,6 @@ TEST(CmdMap, RowsAreFoundByTheirPrefixAndCarryTheirMask) {
     size_t next = 0;
     for (int32_t i = 0; i < AT_RIGHT_LIST_CMD_COUNT; ++i) {
         const AtRightListCmd &row = g_tdRightListCmdMap[i];
-        EXPECT_EQ(row.id, i);
         const std::string line = std::string("AT") + row.prefix + "=1";
         EXPECT_EQ(AtCheckAtCmd(line.c_str(), static_cast<uint32_t>(line.size())), i) << line;
         const bool isMasked = next < std::size(masked) && masked[next].first == i;
@@ -96,6 +97,23 @@ TEST(CmdMap, RowsAreFoundByTheirPrefixAndCarryTheirMask) {
         if (isMasked) ++next;
     }
     EXPECT_EQ(next, std::size(masked));
+}
+
+// Rows win by table order, not by position in the line; only bufLen bytes count.
+TEST(AtCheckAtCmd, FirstRowInTableOrder) {
+    const std::pair<const char *, int32_t> cases[] = {
+        {"at+cgpaddr", 11},
+        {"AT+CPBW=1,\"0123456789\",129,\"Catdog\"", 2},
+        {"AT^IPOPEN=1,\"+CIMI\"", 1},
+        {"+CMT: \"+8613912345678\",,\"24/01/01\"", 13},
+        {"AT+CGMI", -1},
+        {"", -1}};
+    for (const auto &[line, id] : cases) {
+        EXPECT_EQ(AtCheckAtCmd(line, static_cast<uint32_t>(std::strlen(line))), id) << line;
+    }
+    EXPECT_EQ(AtCheckAtCmd("AT+CPIN=1234", 6), -1);
+    EXPECT_EQ(AtCheckAtCmd("AT+CPIN=1234", 7), 7);
+    EXPECT_EQ(AtCheckAtCmd(nullptr, 10), -1);
 }
 
 }  // namespace

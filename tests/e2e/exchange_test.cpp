@@ -15,7 +15,9 @@ namespace {
 
 // With the modem's echo on, the replies must stay the same. An unsolicited
 // line inside a reply stays out of it; a line of the response prefix the
-// request names is the reply.
+// request names is the reply. The widest line a reply holds comes whole; a
+// wider one, or one beyond atserver's line reader (after binary noise),
+// fails its command and the next one is served as usual.
 TEST_F(E2eTest, Exchange_ResultClassesAndReplyTexts) {
     const std::tuple<const char *, const char *, int32_t, std::string> cases[] = {
         {"AT+CGMI", nullptr, AT_RET_OK, kManufacturer},
@@ -28,6 +30,10 @@ TEST_F(E2eTest, Exchange_ResultClassesAndReplyTexts) {
         {"AT+CMGR=9", nullptr, AT_RET_CMS_ERROR, "+CMS ERROR: 321"},
         {"AT+NOSUCHCOMMAND", nullptr, AT_RET_ERROR, "ERROR"},
         {"ATD*99#", nullptr, AT_RET_ERROR, "NO CARRIER"},
+        {"AT+E2EWIDE", nullptr, AT_RET_OK, WidestLine()},
+        {"AT+E2ETOOWIDE", nullptr, AT_RET_ERROR, "ERROR: reply line too long"},
+        {"AT+CGMI", nullptr, AT_RET_OK, kManufacturer},
+        {"AT+GARBAGE", nullptr, AT_RET_ERROR, "ERROR: reply line too long"},
         {"ATE0", nullptr, AT_RET_OK, ""},
     };
     for (const auto &[cmd, prefix, retVal, text] : cases) {

@@ -30,9 +30,9 @@ size_t Occurrences(const std::string &text, const std::string &needle) {
 void SendMalformedRecords(pid_t server) {
     const int qid = AtsGetMsgQueueId(kServerRecvProjId);
     ASSERT_NE(qid, -1);
-    const std::pair<uint32_t, uint32_t> records[] = {
-        {104, AT_REQ_COMMAND}, {3004, AT_REQ_COMMAND}, {AT_SRV_MSG_SIZE, 42}};
-    for (const auto &[length, reqType] : records) {
+    for (const auto &[length, reqType] : {std::pair<uint32_t, uint32_t>{104, AT_REQ_COMMAND},
+                                          {3004, AT_REQ_COMMAND},
+                                          {AT_SRV_MSG_SIZE, 42}}) {
         std::vector<char> buf(length, 'A');
         const int32_t mtype = ForeignMtype(20);
         std::memcpy(buf.data(), &mtype, sizeof mtype);
@@ -68,10 +68,9 @@ TEST_F(E2eTest, Faults_CallerSeesEachAndTheNextExchangeWorks) {
         server_->Stop(signo);
         server_->Start(scenario_, ServerArgs());
         ASSERT_TRUE(server_->WaitForLog("ready after")) << server_->Log();
-        const std::string pidFile = std::string(PidFileDir()) + kServerTaskName + ".pid";
         const std::string pid = std::to_string(server_->Pid()) + "\n";
-        ASSERT_TRUE(WaitUntil([&] { return ReadFile(pidFile) == pid; }, std::chrono::seconds(5)))
-            << "pid file: " << ReadFile(pidFile) << "\n"
+        ASSERT_TRUE(WaitUntil([&] { return ReadFile(PidFile()) == pid; }, std::chrono::seconds(5)))
+            << "pid file: " << ReadFile(PidFile()) << "\n"
             << server_->Log();
     };
     struct Fault {

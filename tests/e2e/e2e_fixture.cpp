@@ -54,10 +54,9 @@ const std::string &ServerLauncher() {
 }
 
 // posix_spawnp of argv (through the program's launcher, if any) with stdin,
-// stdout and stderr redirected to files (no stdin redirection when inPath is
-// empty); -1 on failure.
-pid_t Spawn(std::vector<std::string> argv, const std::string &outPath, const std::string &errPath,
-            const std::string &inPath = "") {
+// stdout and stderr redirected to files; -1 on failure.
+pid_t Spawn(std::vector<std::string> argv, const std::string &inPath, const std::string &outPath,
+            const std::string &errPath) {
     const bool server = argv[0] == ServerProgram() || argv[0] == SimProgram();
     const std::string launcher = server ? ServerLauncher() : ATAPI_TARGET_LAUNCHER;
     // atserver --sim starts atsim itself, through the same launcher; the
@@ -72,11 +71,9 @@ pid_t Spawn(std::vector<std::string> argv, const std::string &outPath, const std
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     constexpr int kWrite = O_WRONLY | O_CREAT | O_TRUNC;
+    posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, inPath.c_str(), O_RDONLY, 0);
     posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, outPath.c_str(), kWrite, 0644);
     posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, errPath.c_str(), kWrite, 0644);
-    if (!inPath.empty()) {
-        posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, inPath.c_str(), O_RDONLY, 0);
-    }
     pid_t pid = -1;
     const int error = posix_spawnp(&pid, args[0], &actions, nullptr, args.data(), environ);
     posix_spawn_file_actions_destroy(&actions);
@@ -156,7 +153,7 @@ ProcessResult RunProcess(const std::vector<std::string> &argv, const std::string
     ProcessResult result;
     const std::string inPath = dir + "/process.in";
     std::ofstream(inPath, std::ios::binary | std::ios::trunc) << input;
-    const pid_t pid = Spawn(argv, dir + "/process.out", dir + "/process.err", inPath);
+    const pid_t pid = Spawn(argv, inPath, dir + "/process.out", dir + "/process.err");
     if (pid == -1) {
         ADD_FAILURE() << "cannot start " << argv.front();
         return result;
@@ -204,7 +201,7 @@ void AtServerProcess::Start(const std::string &scenario,
 void AtServerProcess::Launch(const std::vector<std::string> &args) {
     std::vector<std::string> argv{ServerProgram()};
     argv.insert(argv.end(), args.begin(), args.end());
-    pid_ = Spawn(argv, runtime_.Path("/atserver.out"), runtime_.Path("/atserver.log"));
+    pid_ = Spawn(argv, "/dev/null", runtime_.Path("/atserver.out"), runtime_.Path("/atserver.log"));
     ASSERT_NE(pid_, -1) << "cannot start " << ServerProgram();
 }
 

@@ -1,9 +1,10 @@
-// Exchanges through the whole road: library -> queues -> atserver -> pty ->
-// atsim and back, checking the reply texts atserver builds, the sequence
+// Exchanges through the whole road: library (or atcli) -> queues -> atserver
+// -> pty -> atsim and back, checking the reply texts atserver builds, the sequence
 // check and the abort of a timed-out command (routing under load: soak_test.cpp,
 // restarts: faults_test.cpp).
 #include <string>
 #include <tuple>
+#include <vector>
 
 #include "atapi/at_link.h"
 #include "e2e_fixture.h"
@@ -59,6 +60,29 @@ TEST_F(E2eTest, Abort_TimedOutCommandIsAbortedAndItsLateReplyDropped) {
     ASSERT_EQ(next.status, 0);
     EXPECT_EQ(next.text, kManufacturer);
     EXPECT_EQ(trace.Count("Error:Msg seq error"), 1u);
+}
+
+// atcli raw shows the class and the text.
+TEST_F(E2eTest, Atcli_RawPrintsClassAndText) {
+    const struct {
+        std::vector<std::string> args;
+        int exitCode;
+        std::string out;
+    } cases[] = {
+        {{"raw", "AT+CGMI"}, 0, std::string("OK (2)\n") + kManufacturer + "\n"},
+        {{"raw", "AT+CPIN=\"0000\""}, 1, "CME ERROR (3)\n+CME ERROR: 16\n"},
+        {{"raw", "AT+NOSUCHCOMMAND", "--timeout", "5"}, 1, "ERROR (5)\nERROR\n"},
+        {{"raw", "AT+CGMI", "--json"},
+         0,
+         std::string(R"({"command":"AT+CGMI","class":"OK","retVal":2,"text":")") + kManufacturer +
+             "\"}\n"},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.args.back());
+        const ProcessResult result = Cli(c.args);
+        EXPECT_EQ(result.exitCode, c.exitCode) << result.err;
+        EXPECT_EQ(result.out, c.out);
+    }
 }
 
 }  // namespace

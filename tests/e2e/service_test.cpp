@@ -105,6 +105,17 @@ TEST(AtserverStop, StopsAtOnceWhileAtsimIsStillStarting) {
     }
 }
 
+// A second server leaves the running one alone.
+TEST_F(E2eTest, Start_SecondServerLeavesTheRunningOneAlone) {
+    const ProcessResult second = RunProcess(
+        {ServerProgram(), "--sim", scenario_, "--atsim", SimProgram()}, runtime_->Root());
+    EXPECT_EQ(second.exitCode, 1);
+    EXPECT_NE(second.err.find("atserver is already running (pid " + std::to_string(server_->Pid())),
+              std::string::npos)
+        << second.err;
+    EXPECT_EQ(Send("AT+CGMI").text, kManufacturer);
+}
+
 // Logging to a file at level info.
 class LogFileTest : public E2eTest {
   protected:

@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <spawn.h>
-#include <sys/msg.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -30,17 +29,11 @@ constexpr char kScenarioRules[] =
     "on AT+CGDCONT?\n"
     "  line +CGDCONT: 1,\"IP\",\"internet\",\"0.0.0.0\",0,0\n"
     "  line +CGDCONT: 2,\"IPV4V6\",\"ims\",\"0.0.0.0\",0,0\n"
-    "on AT+E2EQUERY=*\n  delay 60\n  line +E2EQUERY: $1\n"
     "on AT+E2ERSSI\n  line ^RSSI: 20\n";
 
 // Commands whose parameters carry secrets; a log shows them only masked.
 constexpr const char *kSecretCommands[] = {
     "CPIN=", "CLCK=", "CPWD=", "CARDLOCK=", "AUTHDATA=", "NDISDUP="};
-
-bool QueueExists(int projId) {
-    const key_t key = ftok(QueueKeyDir(), projId);
-    return key != -1 && msgget(key, 0) != -1;
-}
 
 std::string FromEnvironment(const char *name, const char *fallback) {
     const char *value = std::getenv(name);
@@ -228,8 +221,8 @@ void AtServerProcess::ExpectNoSecretShown() const {
 void ExpectNothingLeft() {
     EXPECT_FALSE(FileExists(PidFile()));
     EXPECT_FALSE(FileExists(ReadyFlagPath()));
-    EXPECT_FALSE(QueueExists(kServerRecvProjId));
-    EXPECT_FALSE(QueueExists(kServerSendProjId));
+    EXPECT_EQ(AtsGetMsgQueueId(kServerRecvProjId), -1);
+    EXPECT_EQ(AtsGetMsgQueueId(kServerSendProjId), -1);
 }
 
 std::string E2eTest::Scenario() const {
@@ -265,14 +258,6 @@ ProcessResult E2eTest::Cli(const std::vector<std::string> &args, const std::stri
 
 std::string ShippedScenarioTest::Scenario() const {
     return std::string(ATSIM_SCENARIO_DIR) + "/default.scn";
-}
-
-std::vector<std::string> ShippedScenarioTest::ServerArgs() const {
-    std::vector<std::string> args{"--sim-arg", "--no-urc"};
-    for (const std::string &rule : FailRules()) {
-        args.insert(args.end(), {"--sim-arg", "--fail", "--sim-arg", rule});
-    }
-    return args;
 }
 
 bool SendRaw(int qid, const void *msg, uint32_t length) {

@@ -110,13 +110,11 @@ class E2eTest : public ::testing::Test {
     std::string scenario_;
 };
 
-// The shipped default scenario without periodic lines, and atsim's --fail
-// rules of the test.
+// The shipped default scenario, without periodic lines.
 class ShippedScenarioTest : public E2eTest {
   protected:
     std::string Scenario() const override;
-    std::vector<std::string> ServerArgs() const override;
-    virtual std::vector<std::string> FailRules() const { return {}; }
+    std::vector<std::string> ServerArgs() const override { return {"--sim-arg", "--no-urc"}; }
 };
 
 // Replies of the test scenario.

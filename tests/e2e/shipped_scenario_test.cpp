@@ -343,6 +343,10 @@ TEST_F(ShippedSessionTest, ECall_ProgressGoesToTheReportsOnly) {
               Refused("a mode is 0 (off), 1 (eCall only) or 2 (eCall and normal calls)")),
         Atcli(R"(ecall msd 01"02)",
               Refused(R"(an MSD is 1 to 1527 printable characters without '"')")),
+        Atcli("pin enter", "exit 64: atcli: PIN expected on standard input: 4 to 8 digits", "12\n"),
+        Atcli("pin enter --puk",
+              "exit 64: atcli: new PIN expected on standard input: 4 to 8 digits", "12345678\n"),
+        Atcli("pdp set 300 IP x", "exit 64: atcli: a cid is a number from 0 to 255"),
         Atcli("ecall start 1 x 112 0", Refused("P1, P2 and P4 are numbers")),
         Atcli("ecall mode 2 --json", R"({"mode":2})"),
         Atcli("ecall config 0 1 0 --json", R"({"param1":0,"param2":1,"param3":0})"),
@@ -361,28 +365,6 @@ TEST_F(ShippedSessionTest, ECall_ProgressGoesToTheReportsOnly) {
         Atcli("ecall start 1 1 112 0", "number: 112\nresult: started"),
         Atcli("ecall abort", "result: aborted"),
         Reported({"^ECLSTAT: 9,0"}),
-    });
-    // clang-format on
-}
-
-// Error replies of each class, and lines atcli refuses before sending.
-class ShippedFailTest : public ShippedSessionTest {
-  protected:
-    std::vector<std::string> FailRules() const override {
-        return {"AT+CPIN?=+CME ERROR: 10", "AT+CGDCONT?=+CMS ERROR: 310", "AT^NDISDUP=*=ERROR"};
-    }
-};
-
-TEST_F(ShippedFailTest, Atcli_ExitCodesSayWhoFailed) {
-    // clang-format off
-    Play({
-        Atcli("pin state", ModemError("pin state", 13)),
-        Atcli("pdp list --json", ModemError("pdp list", 13)),
-        Atcli("dial up 2", ModemError("dial up", AT_ERRID_UNMAPPED)),
-        Atcli("pin enter", "exit 64: atcli: PIN expected on standard input: 4 to 8 digits", "12\n"),
-        Atcli("pin enter --puk",
-              "exit 64: atcli: new PIN expected on standard input: 4 to 8 digits", "12345678\n"),
-        Atcli("pdp set 300 IP x", "exit 64: atcli: a cid is a number from 0 to 255"),
     });
     // clang-format on
 }

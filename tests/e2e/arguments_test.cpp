@@ -2,8 +2,6 @@
 // wrong and exit 64; --help and --version go to stdout with status 0. Without
 // a running server: atcli says so, and a start whose modem never answers
 // gives up.
-#include <string>
-#include <vector>
 
 #include "e2e_fixture.h"
 #include "link/ats_paths.h"

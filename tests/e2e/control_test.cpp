@@ -4,8 +4,6 @@
 // among the waiting commands. The cases of each are the scheduler suite's.
 #include <cstring>
 #include <sstream>
-#include <string>
-#include <vector>
 
 #include "atapi/at_link.h"
 #include "e2e_fixture.h"

@@ -2,9 +2,7 @@
 // -> pty -> atsim and back, checking the reply texts atserver builds, the sequence
 // check and the abort of a timed-out command (routing under load: soak_test.cpp,
 // restarts: faults_test.cpp).
-#include <string>
 #include <tuple>
-#include <vector>
 
 #include "atapi/at_link.h"
 #include "e2e_fixture.h"

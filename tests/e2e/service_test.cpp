@@ -6,14 +6,11 @@
 #include <sys/un.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
-#include <string>
 #include <tuple>
-#include <vector>
 
 #include "e2e_fixture.h"
 #include "link/ats_paths.h"

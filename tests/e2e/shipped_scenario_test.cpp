@@ -5,10 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
-#include <functional>
 #include <sstream>
-#include <string>
-#include <vector>
 
 #include "atapi/at_text.h"
 #include "atapi/ats_device.h"

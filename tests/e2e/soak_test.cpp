@@ -5,14 +5,12 @@
 // from ATAPI_SOAK_THREADS and ATAPI_SOAK_COMMANDS (per thread); bench/soak.sh
 // runs it long and by hand. The speed figures are printed, never asserted.
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <string>
+#include <mutex>
 #include <thread>
-#include <vector>
 
 #include "atapi/at_link.h"
 #include "e2e_fixture.h"
@@ -60,6 +58,7 @@ Footprint FootprintOf(pid_t pid) {
 }
 
 struct Load {
+    std::mutex lock;
     long answered = 0;
     long wrong = 0;
     std::string firstWrong;
@@ -67,18 +66,18 @@ struct Load {
 };
 
 // threads x commands exchanges; each reply must be the two lines of its own token.
-Load RunLoad(int threads, int commands, int round) {
-    std::vector<Load> perThread(threads);
+void RunLoad(int threads, int commands, int round, Load &load) {
     std::vector<std::thread> workers;
     for (int t = 0; t < threads; ++t) {
-        workers.emplace_back([&load = perThread[t], t, commands, round] {
+        workers.emplace_back([&load, t, commands, round] {
             for (int i = 0; i < commands; ++i) {
                 const std::string token =
                     std::to_string(round) + "." + std::to_string(t) + "." + std::to_string(i);
                 const Clock::time_point start = Clock::now();
                 const Exchange reply = Send("AT+SOAK=" + token, 30);
-                load.latenciesMs.push_back(
-                    std::chrono::duration<double, std::milli>(Clock::now() - start).count());
+                const std::chrono::duration<double, std::milli> took = Clock::now() - start;
+                std::lock_guard<std::mutex> guard(load.lock);
+                load.latenciesMs.push_back(took.count());
                 if (reply.status == 0 && reply.retVal == AT_RET_OK &&
                     reply.text == "+SOAK: " + token + "\r\n+SOAK: " + token) {
                     ++load.answered;
@@ -91,16 +90,7 @@ Load RunLoad(int threads, int commands, int round) {
         });
     }
     for (std::thread &worker : workers) worker.join();
-    Load all;
-    for (Load &load : perThread) {
-        all.answered += load.answered;
-        all.wrong += load.wrong;
-        if (all.firstWrong.empty()) all.firstWrong = load.firstWrong;
-        all.latenciesMs.insert(all.latenciesMs.end(), load.latenciesMs.begin(),
-                               load.latenciesMs.end());
-    }
-    std::sort(all.latenciesMs.begin(), all.latenciesMs.end());
-    return all;
+    std::sort(load.latenciesMs.begin(), load.latenciesMs.end());
 }
 
 class SoakTest : public E2eTest {
@@ -115,12 +105,13 @@ TEST_F(SoakTest, Load_NothingLostMisroutedOrLeaked) {
     const int threads = FromEnvironment("ATAPI_SOAK_THREADS", 64);
     const int commands = FromEnvironment("ATAPI_SOAK_COMMANDS", 200);
     // A first round brings atserver to its working size.
-    const Load warmUp = RunLoad(threads, 5, 0);
+    Load warmUp, load;
+    RunLoad(threads, 5, 0, warmUp);
     ASSERT_EQ(warmUp.wrong, 0) << warmUp.firstWrong;
     const Footprint before = FootprintOf(server_->Pid());
 
     const Clock::time_point start = Clock::now();
-    const Load load = RunLoad(threads, commands, 1);
+    RunLoad(threads, commands, 1, load);
     const double seconds = std::chrono::duration<double>(Clock::now() - start).count();
     const Footprint after = FootprintOf(server_->Pid());
 

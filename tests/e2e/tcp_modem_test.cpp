@@ -7,8 +7,6 @@
 #include <unistd.h>
 
 #include <atomic>
-#include <chrono>
-#include <string>
 #include <thread>
 
 #include "e2e_fixture.h"

@@ -9,9 +9,7 @@
 #include <map>
 #include <set>
 #include <sstream>
-#include <string>
 #include <utility>
-#include <vector>
 
 #include "e2e_fixture.h"
 #include "isolated_runtime.h"

@@ -143,7 +143,8 @@ TEST_F(ShippedSessionTest, Session_PinThenPdpThenDialUp) {
          R"(+CGDCONT: 5,"IPV4V6","slice.example","0.0.0.0",0,0,0,0,0,0,0,0,0,0,0,0,0,)"
          R"("01.000001",0,0,0,0)"},
         {"read by cid", [] { PdpContextInfo c{}; const int32_t r = AtGetCgdContByCid(&c, 5);
-                             return Show(r, c.cid, c.pdpType, c.apn); }, "0 5 IPV4V6 slice.example"},
+                             return Show(r, c.cid, c.pdpType, c.apn); },
+         "0 5 IPV4V6 slice.example"},
         Atcli("pdp list --json",
               R"({"contexts":[{"cid":1,"type":"IPV4V6","apn":"internet"},)"
               R"({"cid":2,"type":"IPV4V6","apn":"ims"},{"cid":3,"type":"IPV4V6","apn":"sos"},)"
@@ -194,41 +195,6 @@ long TxPackets() {
 }
 
 TEST_F(ShippedSessionTest, Reads_DeviceNetworkSimVoiceV2x) {
-    // LTE band and uplink channel, NR band and uplink bandwidth.
-    const auto bands = [] {
-        HfreqInfoResult b{};
-        if (AtHfreqHandle(AT_DEVICE_QUERY, nullptr, &b) != 0 || !b.lteList || !b.nrList)
-            return std::string();
-        const std::string text =
-            Show(b.lteList->bandClass, b.lteList->ulFcn, b.nrList->bandClass, b.nrList->ulBw);
-        HfreqInfoExFree(&b);
-        return text;
-    };
-    // The reboot reason goes to a sink instead of this machine's shell.
-    const auto downloadMode = [] {
-        PlatformSetShellSink([](void *, const char *) { return 0; }, nullptr);
-        const int32_t result = AtGodLoad();
-        PlatformSetShellSink(nullptr, nullptr);
-        return Show(result);
-    };
-    // A file of the card by its directory, through +CRSM and through the
-    // path-taking form.
-    const auto readCardFile = [] {
-        CrsmRequest q{AT_CRSM_READ_BINARY, 0x6F07, 0, 0, 9, nullptr, "3F007F20"};
-        CrsmResult r{};
-        const int32_t result = AtCrsm(&q, &r);
-        std::free(r.response);
-        return Show(result, r.sw1, r.sw2);
-    };
-    const auto readCardFileByPath = [] {
-        const CrsmPidReq q{176, 0x6FAD, 0, 0, 4, nullptr, "3F007FFF"};
-        CrsmPidResult r{0, 0, nullptr, 0};
-        const int32_t result = AtCrsmPid(&q, &r);
-        const std::string text =
-            Show(result, r.sw1, r.sw2, r.response ? r.response : "-", r.errorId);
-        std::free(r.response);
-        return text;
-    };
     // clang-format off
     Play({
         Atcli("time network --json", R"({"universal":"2024-05-17 12:30:45",)"
@@ -239,10 +205,24 @@ TEST_F(ShippedSessionTest, Reads_DeviceNetworkSimVoiceV2x) {
         Atcli("device all --json", R"({"sku":1,"simlock":0,"thermal_state":0,)"
               R"("thermal_protection":1,"watchdog_time":45,"nv_restore_state":0})"),
         Atcli("device sku --set 7", Refused("--set takes an SKU of 0 to 2")),
-        {"bands", bands, "3 19300 78 1000"},
+        // LTE band and uplink channel, NR band and uplink bandwidth.
+        {"bands", [] {
+             HfreqInfoResult b{};
+             const int32_t r = AtHfreqHandle(AT_DEVICE_QUERY, nullptr, &b);
+             const std::string text = r != 0 || !b.lteList || !b.nrList
+                 ? "failed"
+                 : Show(b.lteList->bandClass, b.lteList->ulFcn, b.nrList->bandClass,
+                        b.nrList->ulBw);
+             HfreqInfoExFree(&b);
+             return text; }, "3 19300 78 1000"},
         // Reset and download mode leave the simulated module as it was.
         {"factory reset", [] { return Show(AtFactoryReset()); }, "0"},
-        {"download mode", downloadMode, "0"},
+        // The reboot reason goes to a sink instead of this machine's shell.
+        {"download mode", [] {
+             PlatformSetShellSink([](void *, const char *) { return 0; }, nullptr);
+             const int32_t r = AtGodLoad();
+             PlatformSetShellSink(nullptr, nullptr);
+             return Show(r); }, "0"},
         Atcli("jamming switch on --json", R"({"gsm":1,"wcdma":1,"lte":1})"),
         Atcli("jamming switch off --json", R"({"gsm":0,"wcdma":0,"lte":0})"),
         Atcli("jamming config gsm 5 6 --json", R"({"gsm_value1":5,"gsm_value2":6,)"
@@ -268,8 +248,20 @@ TEST_F(ShippedSessionTest, Reads_DeviceNetworkSimVoiceV2x) {
               R"("numbers":["+15551230001","15551230002"],"apns":["internet","ims"]})"),
         // A file under another directory than the card keeps it in is not
         // found; EF AD under the USIM's directory comes with its empty data quoted.
-        {"EF under the wrong directory", readCardFile, "0 106 130"},
-        {"EF by path", readCardFileByPath, "0 144 0 00000002 " + kOk},
+        {"EF under the wrong directory", [] {
+             CrsmRequest q{AT_CRSM_READ_BINARY, 0x6F07, 0, 0, 9, nullptr, "3F007F20"};
+             CrsmResult r{};
+             const int32_t result = AtCrsm(&q, &r);
+             std::free(r.response);
+             return Show(result, r.sw1, r.sw2); }, "0 106 130"},
+        {"EF by path", [] {
+             const CrsmPidReq q{176, 0x6FAD, 0, 0, 4, nullptr, "3F007FFF"};
+             CrsmPidResult r{0, 0, nullptr, 0};
+             const int32_t result = AtCrsmPid(&q, &r);
+             const std::string text = Show(result, r.sw1, r.sw2, r.response ? r.response : "-",
+                                           r.errorId);
+             std::free(r.response);
+             return text; }, "0 144 0 00000002 " + kOk},
         {"SIM state", [] { SimSqInfo s{-1, -1}; const int32_t r = AtSimSqQuery(&s);
                            return Show(r, s.mode, s.simStatus); }, "0 0 1"},
         {"eUICC id", [] { char eid[AT_EUICC_ID_SIZE] = {}; const int32_t r = AtEuiccIdQuery(eid);
@@ -283,14 +275,16 @@ TEST_F(ShippedSessionTest, Reads_DeviceNetworkSimVoiceV2x) {
         // V2X reads get OK replies and still fail at the parse step (module
         // 31 has no handler table); the sets go through.
         {"the modem's packet counters grow",
-         [] { const long first = TxPackets(); return Show(first > 0, TxPackets() > first); }, "1 1"},
+         [] { const long first = TxPackets(); return Show(first > 0, TxPackets() > first); },
+         "1 1"},
         Atcli("v2x stats --json", "exit 1: atcli: v2x stats: failed: "
                                   "an error reply, or a reply that could not be read"),
         Atcli("v2x mode 1 --json", R"({"mode":1})"),
         Raw("AT^VMODE?", "^VMODE: 0,1"),
         Atcli("v2x mode 2", Refused("a V2X mode is 0 or 1")),
         {"dual antenna", [] { const int32_t r = AtsV2xSetDualAntSwitch(1);
-                              return Show(r, Send("AT^VTXANTSWITCH?").text); }, "0 ^VTXANTSWITCH: 1"},
+                              return Show(r, Send("AT^VTXANTSWITCH?").text); },
+         "0 ^VTXANTSWITCH: 1"},
         {"transmit power reports", [] { AtsV2xTxPwrRptCfg c{1, -2, 3, 4000000000u};
                                         return Show(AtsV2xTxPwrRptCfgExecute(&c)); }, "0"},
     });

@@ -29,14 +29,16 @@ static char g_program[64] = "?";
 static atomic_ulong g_scanned;
 static _Thread_local int g_inside; /* the scan's own allocations are not scanned */
 
+/* Each line goes out in one write to a file opened for appending, so that
+ * the lines of several processes do not mix; no stdio, which allocates. */
 static void Report(const char *format, ...) {
     char line[256];
     va_list ap;
     va_start(ap, format);
     const int len = vsnprintf(line, sizeof line, format, ap);
     va_end(ap);
-    const int fd = open(g_report, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0644);
-    if (fd == -1 || len <= 0) return;
+    const int fd = len > 0 ? open(g_report, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0644) : -1;
+    if (fd == -1) return;
     /* a short write shows as a missing line */
     if (write(fd, line, (size_t)len < sizeof line ? (size_t)len : sizeof line - 1) < 0) {
     }

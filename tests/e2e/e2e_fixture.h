@@ -52,13 +52,18 @@ std::string ReadFile(const std::string &path);
 bool FileExists(const std::string &path);
 // Polls done() every few milliseconds until it holds or the time is up.
 bool WaitUntil(const std::function<bool()> &done, std::chrono::milliseconds limit);
+std::string PidFile();
+
+// Fails the test for each planted secret in text, and for each secret-bearing
+// command line shown with anything but "..." behind its '='.
+void ExpectNoSecretIn(const std::string &text, const std::string &where);
 
 // atserver --sim as a child, its stderr in <root>/atserver.log and the
 // unsolicited lines it recognised in <root>/report.txt.
 class AtServerProcess {
   public:
     explicit AtServerProcess(const test::IsolatedRuntime &runtime) : runtime_(runtime) {}
-    ~AtServerProcess();
+    ~AtServerProcess() { Stop(SIGKILL); }
     AtServerProcess(const AtServerProcess &) = delete;
     AtServerProcess &operator=(const AtServerProcess &) = delete;
 
@@ -87,34 +92,29 @@ class AtServerProcess {
 // No pid file, ready flag or queue of a server in the current root.
 void ExpectNothingLeft();
 
-// A server per test on the test scenario (our own rules in front of every
-// shipped rule and fault); TearDown checks that it stops cleanly and leaves
-// nothing behind.
+// A server per test, by default on the test scenario (our own rules in front
+// of every shipped rule and fault); TearDown checks that it stops cleanly,
+// leaves nothing behind and showed no secret.
 class E2eTest : public ::testing::Test {
   protected:
     void SetUp() override;
     void TearDown() override;
+    virtual std::string Scenario() const;
     // Arguments for atserver beyond the scenario, atsim and the report file.
     virtual std::vector<std::string> ServerArgs() const { return {}; }
+    // atcli with args (and input on its standard input), to its end.
+    ProcessResult Cli(const std::vector<std::string> &args, const std::string &input = "") const;
 
     std::unique_ptr<test::IsolatedRuntime> runtime_;
     std::unique_ptr<AtServerProcess> server_;
     std::string scenario_;
 };
 
-// A server per test on the shipped default scenario, without periodic
-// lines; TearDown checks that it stops cleanly and leaves nothing behind.
-class ShippedScenarioTest : public ::testing::Test {
+// The shipped default scenario, without periodic lines.
+class ShippedScenarioTest : public E2eTest {
   protected:
-    void SetUp() override;
-    void TearDown() override;
-    // atsim's --fail rules for the test.
-    virtual std::vector<std::string> FailRules() const { return {}; }
-    // atcli with args (and input on its standard input), to its end.
-    ProcessResult Cli(const std::vector<std::string> &args, const std::string &input = "") const;
-
-    std::unique_ptr<test::IsolatedRuntime> runtime_;
-    std::unique_ptr<AtServerProcess> server_;
+    std::string Scenario() const override;
+    std::vector<std::string> ServerArgs() const override { return {"--sim-arg", "--no-urc"}; }
 };
 
 // Replies of the test scenario.
@@ -122,6 +122,10 @@ inline constexpr char kManufacturer[] = "E2E Modem Works";
 inline constexpr char kPdpContexts[] =
     "+CGDCONT: 1,\"IP\",\"internet\",\"0.0.0.0\",0,0\r\n"
     "+CGDCONT: 2,\"IPV4V6\",\"ims\",\"0.0.0.0\",0,0";
+// The room for text in a reply, without its terminator, and a line of the
+// test scenario ("AT+E2EWIDE") that fills it.
+inline constexpr size_t kReplyRoom = AT_REPORT_STR_LEN - 1;
+inline std::string WidestLine() { return "+E2EWIDE: " + std::string(kReplyRoom - 10, 'w'); }
 
 // Sends one raw message (lengths include the type word) to a queue.
 bool SendRaw(int qid, const void *msg, uint32_t length);

@@ -1,8 +1,7 @@
-// Exchanges through the whole road: library -> queues -> atserver -> pty ->
-// atsim and back, checking the reply texts atserver builds, the sequence
+// Exchanges through the whole road: library (or atcli) -> queues -> atserver
+// -> pty -> atsim and back, checking the reply texts atserver builds, the sequence
 // check and the abort of a timed-out command (routing under load: soak_test.cpp,
 // restarts: faults_test.cpp).
-#include <string>
 #include <tuple>
 
 #include "atapi/at_link.h"
@@ -15,7 +14,9 @@ namespace {
 
 // With the modem's echo on, the replies must stay the same. An unsolicited
 // line inside a reply stays out of it; a line of the response prefix the
-// request names is the reply.
+// request names is the reply. The widest line a reply holds comes whole; a
+// wider one, or one beyond atserver's line reader (after binary noise),
+// fails its command and the next one is served as usual.
 TEST_F(E2eTest, Exchange_ResultClassesAndReplyTexts) {
     const std::tuple<const char *, const char *, int32_t, std::string> cases[] = {
         {"AT+CGMI", nullptr, AT_RET_OK, kManufacturer},
@@ -28,6 +29,10 @@ TEST_F(E2eTest, Exchange_ResultClassesAndReplyTexts) {
         {"AT+CMGR=9", nullptr, AT_RET_CMS_ERROR, "+CMS ERROR: 321"},
         {"AT+NOSUCHCOMMAND", nullptr, AT_RET_ERROR, "ERROR"},
         {"ATD*99#", nullptr, AT_RET_ERROR, "NO CARRIER"},
+        {"AT+E2EWIDE", nullptr, AT_RET_OK, WidestLine()},
+        {"AT+E2ETOOWIDE", nullptr, AT_RET_ERROR, "ERROR: reply line too long"},
+        {"AT+CGMI", nullptr, AT_RET_OK, kManufacturer},
+        {"AT+GARBAGE", nullptr, AT_RET_ERROR, "ERROR: reply line too long"},
         {"ATE0", nullptr, AT_RET_OK, ""},
     };
     for (const auto &[cmd, prefix, retVal, text] : cases) {
@@ -53,6 +58,29 @@ TEST_F(E2eTest, Abort_TimedOutCommandIsAbortedAndItsLateReplyDropped) {
     ASSERT_EQ(next.status, 0);
     EXPECT_EQ(next.text, kManufacturer);
     EXPECT_EQ(trace.Count("Error:Msg seq error"), 1u);
+}
+
+// atcli raw shows the class and the text.
+TEST_F(E2eTest, Atcli_RawPrintsClassAndText) {
+    const struct {
+        std::vector<std::string> args;
+        int exitCode;
+        std::string out;
+    } cases[] = {
+        {{"raw", "AT+CGMI"}, 0, std::string("OK (2)\n") + kManufacturer + "\n"},
+        {{"raw", "AT+CPIN=\"0000\""}, 1, "CME ERROR (3)\n+CME ERROR: 16\n"},
+        {{"raw", "AT+NOSUCHCOMMAND", "--timeout", "5"}, 1, "ERROR (5)\nERROR\n"},
+        {{"raw", "AT+CGMI", "--json"},
+         0,
+         std::string(R"({"command":"AT+CGMI","class":"OK","retVal":2,"text":")") + kManufacturer +
+             "\"}\n"},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.args.back());
+        const ProcessResult result = Cli(c.args);
+        EXPECT_EQ(result.exitCode, c.exitCode) << result.err;
+        EXPECT_EQ(result.out, c.out);
+    }
 }
 
 }  // namespace

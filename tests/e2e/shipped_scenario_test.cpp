@@ -5,10 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
-#include <functional>
 #include <sstream>
-#include <string>
-#include <vector>
 
 #include "atapi/at_text.h"
 #include "atapi/ats_device.h"
@@ -20,7 +17,6 @@
 #include "atapi/m2m_ats_v2x.h"
 #include "e2e_fixture.h"
 #include "platform/shell.h"
-#include "trace_capture.h"
 
 namespace atapi::e2e {
 namespace {
@@ -47,16 +43,8 @@ std::string Lines(const std::vector<std::string> &lines) {
     return all;
 }
 
-// A pattern ending in '*' stands for every line that starts with the rest.
-bool Matches(const std::string &line, const std::string &pattern) {
-    return pattern.ends_with('*') ? line.starts_with(pattern.substr(0, pattern.size() - 1))
-                                  : line == pattern;
-}
-
 class ShippedSessionTest : public ShippedScenarioTest {
   protected:
-    // atsim camps on the technology; then the cells read.
-    static Step CampOn(const std::string &technology, std::string expected);
     // atcli with the words of args: its output without the last newline
     // when it exits 0, else "exit N: " and its error output.
     Step Atcli(const std::string &args, std::string expected, std::string input = "") const {
@@ -81,7 +69,8 @@ class ShippedSessionTest : public ShippedScenarioTest {
         return {cmd, run, std::move(expected)};
     }
     // The report sink gets these lines in this order after those of the
-    // previous such step (and nothing else, when only).
+    // previous such step (and nothing else, when only); a line ending in '*'
+    // stands for every line that starts with the rest.
     Step Reported(std::vector<std::string> lines, bool only = false) {
         return {"reported", [this, lines, only] { return NewReports(lines, only); }, Lines(lines)};
     }
@@ -92,6 +81,10 @@ class ShippedSessionTest : public ShippedScenarioTest {
   private:
     std::string NewReports(const std::vector<std::string> &lines, bool only) {
         std::vector<std::string> fresh;
+        const auto matches = [](const std::string &line, const std::string &pattern) {
+            return pattern.ends_with('*') ? line.starts_with(pattern.substr(0, pattern.size() - 1))
+                                          : line == pattern;
+        };
         const auto arrived = [&] {
             std::ifstream in(server_->ReportPath());
             fresh.clear();
@@ -99,7 +92,7 @@ class ShippedSessionTest : public ShippedScenarioTest {
             for (std::string line; std::getline(in, line); ++n) {
                 if (n < reportsSeen_) continue;
                 fresh.push_back(line);
-                if (matched < lines.size() && Matches(line, lines[matched])) ++matched;
+                if (matched < lines.size() && matches(line, lines[matched])) ++matched;
             }
             return matched == lines.size() && (!only || fresh.size() == matched);
         };
@@ -112,7 +105,6 @@ class ShippedSessionTest : public ShippedScenarioTest {
 };
 
 constexpr char kWrongPin[] = "9876";
-constexpr char kPin[] = "1234";  // the default scenario's PIN
 const std::string kOk = std::to_string(AT_ERRID_OK);
 
 std::string EnterPin(const char *pin) {
@@ -131,39 +123,28 @@ std::string ModemError(const std::string &action, int32_t errorId) {
 }
 
 TEST_F(ShippedSessionTest, Session_PinThenPdpThenDialUp) {
-    test::TraceCapture trace;
-    const auto stateRead = [] {
-        CpinInfo info{};
-        const int32_t result = AtPinManagement(0, nullptr, nullptr, &info);
-        return Show(result, info.code);
-    };
-    const auto readByCid = [] {
-        PdpContextInfo c{};
-        const int32_t result = AtGetCgdContByCid(&c, 5);
-        return Show(result, c.cid, c.pdpType, c.apn);
-    };
-    const auto modemsLine = [] {
-        const std::string list = Send("AT+CGDCONT?").text;
-        const size_t at = list.find("+CGDCONT: 5,");
-        return at == std::string::npos ? list : list.substr(at, list.find("\r\n", at) - at);
-    };
     // clang-format off
     Play({
-        {"PIN state", stateRead, "0 SIM PIN"},
+        {"PIN state", [] { CpinInfo i{}; const int32_t r = AtPinManagement(0, nullptr, nullptr, &i);
+                           return Show(r, i.code); }, "0 SIM PIN"},
         {"a wrong PIN costs a try", [] { return EnterPin(kWrongPin); }, "0 3"},
         Atcli("pin enter --json", ModemError("pin enter", 3), std::string(kWrongPin) + "\n"),
         Atcli("pin retries --json",
               R"({"state":"SIM PIN","pin_tries":1,"puk_tries":10,"pin2_tries":3,"puk2_tries":10})"),
-        {"the right PIN", [] { return EnterPin(kPin); }, "0 " + kOk},
+        {"the scenario's PIN", [] { return EnterPin("1234"); }, "0 " + kOk},
         Atcli("pin retries --json",
               R"({"state":"READY","pin_tries":3,"puk_tries":10,"pin2_tries":3,"puk2_tries":10})"),
         // A context with an S-NSSAI: written, in the modem's list, read back.
         Atcli("pdp set 5 IPV4V6 slice.example --nssai 01.000001 --json",
               R"({"cid":5,"type":"IPV4V6","apn":"slice.example","s_nssai":"01.000001"})"),
-        {"the modem's list", modemsLine,
+        {"the modem's list", [] { const std::string list = Send("AT+CGDCONT?").text;
+                                  const size_t at = list.find("+CGDCONT: 5,");
+                                  return list.substr(at, list.find("\r\n", at) - at); },
          R"(+CGDCONT: 5,"IPV4V6","slice.example","0.0.0.0",0,0,0,0,0,0,0,0,0,0,0,0,0,)"
          R"("01.000001",0,0,0,0)"},
-        {"read by cid", readByCid, "0 5 IPV4V6 slice.example"},
+        {"read by cid", [] { PdpContextInfo c{}; const int32_t r = AtGetCgdContByCid(&c, 5);
+                             return Show(r, c.cid, c.pdpType, c.apn); },
+         "0 5 IPV4V6 slice.example"},
         Atcli("pdp list --json",
               R"({"contexts":[{"cid":1,"type":"IPV4V6","apn":"internet"},)"
               R"({"cid":2,"type":"IPV4V6","apn":"ims"},{"cid":3,"type":"IPV4V6","apn":"sos"},)"
@@ -182,110 +163,38 @@ TEST_F(ShippedSessionTest, Session_PinThenPdpThenDialUp) {
               R"("config":"ATS_CFG_1.0.2"})"),
     });
     // clang-format on
-    // Neither PIN reaches the library's trace or atserver's log (which logs
-    // at debug level here), though both saw the PIN commands.
-    for (const std::string &secret : {std::string(kWrongPin), "\"" + std::string(kPin) + "\""}) {
-        EXPECT_EQ(trace.All().find(secret), std::string::npos) << secret;
-        EXPECT_EQ(server_->Log().find(secret), std::string::npos) << secret;
-    }
-    EXPECT_NE(trace.All().find("queryCmd = AT+CPIN?"), std::string::npos) << trace.All();
-    EXPECT_NE(server_->Log().find("AT+CPIN=..."), std::string::npos) << server_->Log();
 }
 
-// Serving cell (result, rat, arfcn, cell id and area in hexadecimal,
-// errorId) and neighbours (rat:arfcn, the newer technologies first) on the
-// technology atsim camps on.
-std::string Cells() {
-    MonscInfo s{};
-    const int32_t result = AtGetMonsc(&s);
-    std::ostringstream all;
-    all << Show(result, s.rat, s.arfcn) << std::hex << std::uppercase << ' ' << s.cellId << ' '
-        << s.lac << std::dec << ' ' << s.errorId << " |";
-    MonncInfo n{};
-    if (AtGetMonnc(&n) != 0) return all.str() + " failed";
-    for (uint32_t i = 0; i < n.count; ++i) {
-        all << ' ' << n.neighbors[i].rat << ':' << n.neighbors[i].arfcn;
-    }
-    return all.str();
-}
-
-Step ShippedSessionTest::CampOn(const std::string &technology, std::string expected) {
+// atsim camps on the technology; then the serving cell (result, rat, arfcn,
+// cell id and area in hexadecimal, errorId) and the neighbours (rat:arfcn,
+// the newer technologies first) read.
+Step CampOn(const std::string &technology, std::string expected) {
     const auto run = [technology] {
-        return Send("AT+SIMRAT=" + technology).retVal == AT_RET_OK ? Cells() : "cannot camp";
+        if (Send("AT+SIMRAT=" + technology).retVal != AT_RET_OK) return std::string("cannot camp");
+        MonscInfo s{};
+        const int32_t result = AtGetMonsc(&s);
+        std::ostringstream all;
+        all << Show(result, s.rat, s.arfcn) << std::hex << std::uppercase << ' ' << s.cellId << ' '
+            << s.lac << std::dec << ' ' << s.errorId << " |";
+        MonncInfo n{};
+        if (AtGetMonnc(&n) != 0) return all.str() + " failed";
+        for (uint32_t i = 0; i < n.count; ++i) {
+            all << ' ' << n.neighbors[i].rat << ':' << n.neighbors[i].arfcn;
+        }
+        return all.str();
     };
     return {technology, run, std::move(expected)};
-}
-
-// LTE band and uplink channel, NR band and uplink bandwidth.
-std::string Bands() {
-    HfreqInfoResult b{};
-    if (AtHfreqHandle(AT_DEVICE_QUERY, nullptr, &b) != 0 || !b.lteList || !b.nrList) return "";
-    const std::string text =
-        Show(b.lteList->bandClass, b.lteList->ulFcn, b.nrList->bandClass, b.nrList->ulBw);
-    HfreqInfoExFree(&b);
-    return text;
-}
-
-// Download mode, the reboot reason going to a sink instead of this
-// machine's shell.
-std::string DownloadMode() {
-    PlatformSetShellSink([](void *, const char *) { return 0; }, nullptr);
-    const int32_t result = AtGodLoad();
-    PlatformSetShellSink(nullptr, nullptr);
-    return Show(result);
-}
-
-// A file of the card by its directory: through +CRSM, and through the
-// path-taking form (response and errorId too).
-std::string ReadCardFile(int32_t fileId, const char *path) {
-    CrsmRequest q{AT_CRSM_READ_BINARY, fileId, 0, 0, 9, nullptr, path};
-    CrsmResult r{};
-    const int32_t result = AtCrsm(&q, &r);
-    std::free(r.response);
-    return Show(result, r.sw1, r.sw2);
-}
-
-std::string ReadCardFileByPath(int32_t fileId, const char *path) {
-    const CrsmPidReq q{176, fileId, 0, 0, 4, nullptr, path};
-    CrsmPidResult r{0, 0, nullptr, 0};
-    const int32_t result = AtCrsmPid(&q, &r);
-    const std::string text = Show(result, r.sw1, r.sw2, r.response ? r.response : "-", r.errorId);
-    std::free(r.response);
-    return text;
 }
 
 // The transmitted packets of a "^PTRRPT:" reply, or -1.
 long TxPackets() {
     long bytes = 0, rxBytes = 0, packets = -1;
     const std::string reply = Send("AT^PTRRPT?").text;
-    return std::sscanf(reply.c_str(), "^PTRRPT: %ld,%ld,%ld", &bytes, &rxBytes, &packets) == 3
-               ? packets
-               : -1;
+    std::sscanf(reply.c_str(), "^PTRRPT: %ld,%ld,%ld", &bytes, &rxBytes, &packets);
+    return packets;
 }
 
 TEST_F(ShippedSessionTest, Reads_DeviceNetworkSimVoiceV2x) {
-    const auto simState = [] {
-        SimSqInfo s{-1, -1};
-        const int32_t result = AtSimSqQuery(&s);
-        return Show(result, s.mode, s.simStatus);
-    };
-    const auto euiccId = [] {
-        char eid[AT_EUICC_ID_SIZE] = {};
-        const int32_t result = AtEuiccIdQuery(eid);
-        return Show(result, eid);
-    };
-    const auto countersGrow = [] {
-        const long first = TxPackets();
-        return Show(first > 0, TxPackets() > first);
-    };
-    const auto dualAntenna = [] {
-        const int32_t result = AtsV2xSetDualAntSwitch(1);
-        return Show(result, Send("AT^VTXANTSWITCH?").text);
-    };
-    const auto txPowerReports = [] {
-        AtsV2xTxPwrRptCfg cfg{1, -2, 3, 4000000000u};
-        return Show(AtsV2xTxPwrRptCfgExecute(&cfg));
-    };
     // clang-format off
     Play({
         Atcli("time network --json", R"({"universal":"2024-05-17 12:30:45",)"
@@ -296,10 +205,24 @@ TEST_F(ShippedSessionTest, Reads_DeviceNetworkSimVoiceV2x) {
         Atcli("device all --json", R"({"sku":1,"simlock":0,"thermal_state":0,)"
               R"("thermal_protection":1,"watchdog_time":45,"nv_restore_state":0})"),
         Atcli("device sku --set 7", Refused("--set takes an SKU of 0 to 2")),
-        {"bands", Bands, "3 19300 78 1000"},
+        // LTE band and uplink channel, NR band and uplink bandwidth.
+        {"bands", [] {
+             HfreqInfoResult b{};
+             const int32_t r = AtHfreqHandle(AT_DEVICE_QUERY, nullptr, &b);
+             const std::string text = r != 0 || !b.lteList || !b.nrList
+                 ? "failed"
+                 : Show(b.lteList->bandClass, b.lteList->ulFcn, b.nrList->bandClass,
+                        b.nrList->ulBw);
+             HfreqInfoExFree(&b);
+             return text; }, "3 19300 78 1000"},
         // Reset and download mode leave the simulated module as it was.
         {"factory reset", [] { return Show(AtFactoryReset()); }, "0"},
-        {"download mode", DownloadMode, "0"},
+        // The reboot reason goes to a sink instead of this machine's shell.
+        {"download mode", [] {
+             PlatformSetShellSink([](void *, const char *) { return 0; }, nullptr);
+             const int32_t r = AtGodLoad();
+             PlatformSetShellSink(nullptr, nullptr);
+             return Show(r); }, "0"},
         Atcli("jamming switch on --json", R"({"gsm":1,"wcdma":1,"lte":1})"),
         Atcli("jamming switch off --json", R"({"gsm":0,"wcdma":0,"lte":0})"),
         Atcli("jamming config gsm 5 6 --json", R"({"gsm_value1":5,"gsm_value2":6,)"
@@ -325,12 +248,24 @@ TEST_F(ShippedSessionTest, Reads_DeviceNetworkSimVoiceV2x) {
               R"("numbers":["+15551230001","15551230002"],"apns":["internet","ims"]})"),
         // A file under another directory than the card keeps it in is not
         // found; EF AD under the USIM's directory comes with its empty data quoted.
-        {"EF under the wrong directory", [] { return ReadCardFile(0x6F07, "3F007F20"); },
-         "0 106 130"},
-        {"EF by path", [] { return ReadCardFileByPath(0x6FAD, "3F007FFF"); },
-         "0 144 0 00000002 " + kOk},
-        {"SIM state", simState, "0 0 1"},
-        {"eUICC id", euiccId, "0 89049032123451234512345678901235"},
+        {"EF under the wrong directory", [] {
+             CrsmRequest q{AT_CRSM_READ_BINARY, 0x6F07, 0, 0, 9, nullptr, "3F007F20"};
+             CrsmResult r{};
+             const int32_t result = AtCrsm(&q, &r);
+             std::free(r.response);
+             return Show(result, r.sw1, r.sw2); }, "0 106 130"},
+        {"EF by path", [] {
+             const CrsmPidReq q{176, 0x6FAD, 0, 0, 4, nullptr, "3F007FFF"};
+             CrsmPidResult r{0, 0, nullptr, 0};
+             const int32_t result = AtCrsmPid(&q, &r);
+             const std::string text = Show(result, r.sw1, r.sw2, r.response ? r.response : "-",
+                                           r.errorId);
+             std::free(r.response);
+             return text; }, "0 144 0 00000002 " + kOk},
+        {"SIM state", [] { SimSqInfo s{-1, -1}; const int32_t r = AtSimSqQuery(&s);
+                           return Show(r, s.mode, s.simStatus); }, "0 0 1"},
+        {"eUICC id", [] { char eid[AT_EUICC_ID_SIZE] = {}; const int32_t r = AtEuiccIdQuery(eid);
+                          return Show(r, eid); }, "0 89049032123451234512345678901235"},
         Atcli("voice mic --set 7 --json", R"({"mic_gain":7})"),
         Atcli("voice mic --json", R"({"mic_gain":7})"),
         Atcli("voice frequency --set 16000", "pcm_frequency: 16000"),
@@ -339,14 +274,19 @@ TEST_F(ShippedSessionTest, Reads_DeviceNetworkSimVoiceV2x) {
         Atcli("voice mode 7", Refused("a voice mode is 0 to 6")),
         // V2X reads get OK replies and still fail at the parse step (module
         // 31 has no handler table); the sets go through.
-        {"the modem's packet counters grow", countersGrow, "1 1"},
+        {"the modem's packet counters grow",
+         [] { const long first = TxPackets(); return Show(first > 0, TxPackets() > first); },
+         "1 1"},
         Atcli("v2x stats --json", "exit 1: atcli: v2x stats: failed: "
                                   "an error reply, or a reply that could not be read"),
         Atcli("v2x mode 1 --json", R"({"mode":1})"),
         Raw("AT^VMODE?", "^VMODE: 0,1"),
         Atcli("v2x mode 2", Refused("a V2X mode is 0 or 1")),
-        {"dual antenna", dualAntenna, "0 ^VTXANTSWITCH: 1"},
-        {"transmit power reports", txPowerReports, "0"},
+        {"dual antenna", [] { const int32_t r = AtsV2xSetDualAntSwitch(1);
+                              return Show(r, Send("AT^VTXANTSWITCH?").text); },
+         "0 ^VTXANTSWITCH: 1"},
+        {"transmit power reports", [] { AtsV2xTxPwrRptCfg c{1, -2, 3, 4000000000u};
+                                        return Show(AtsV2xTxPwrRptCfgExecute(&c)); }, "0"},
     });
     // clang-format on
 }
@@ -358,20 +298,17 @@ TEST_F(ShippedSessionTest, Calls_DialListDtmfHangUpAndAnIncomingCall) {
     Play({
         Atcli("call dial +15551230002 --json", R"({"number":"+15551230002","result":"dialing"})"),
         Reported({"^ORIG: 1,0", "^CONF: 1", "^CONN: 1,0"}),
-        Raw("AT+CLCC", R"(+CLCC: 1,0,0,0,0,"+15551230002",145)"),
         Atcli("call list --json", R"({"calls":[{"idx":1,"direction":"outgoing","stat":0,)"
               R"("state":"active","mode":0,"mpty":0,"number":"+15551230002","type":145}]})"),
         Atcli("call dtmf 12# --json", R"({"tones":"12#","result":"sent"})"),
         Atcli("call hangup --json", R"({"result":"hung up"})"),
         Reported({"^CEND: 1,0,104,16"}),
-        Raw("AT+CLCC", ""),
         Atcli("call list --json", R"({"calls":[]})"),
         // No call to send tones to.
         Atcli("call dtmf 1", ModemError("call dtmf", ErrorStrToErrorId("+CME ERROR: 3"))),
         Raw("AT+CLIP=1", ""),
         Raw(R"(AT+SIMRING="5551234",129)", ""),
         Reported({"RING", R"(+CLIP: "5551234",129,,,,0)"}),
-        Raw("AT+CLCC", R"(+CLCC: 1,1,4,0,0,"5551234",129)"),
         Atcli("call answer --json", R"({"result":"answered"})"),
         Reported({"^CONN: 1,0"}),
         Atcli("call list --ext --json", R"({"calls":[{"idx":1,"direction":"incoming","stat":0,)"
@@ -397,6 +334,10 @@ TEST_F(ShippedSessionTest, ECall_ProgressGoesToTheReportsOnly) {
               Refused("a mode is 0 (off), 1 (eCall only) or 2 (eCall and normal calls)")),
         Atcli(R"(ecall msd 01"02)",
               Refused(R"(an MSD is 1 to 1527 printable characters without '"')")),
+        Atcli("pin enter", "exit 64: atcli: PIN expected on standard input: 4 to 8 digits", "12\n"),
+        Atcli("pin enter --puk",
+              "exit 64: atcli: new PIN expected on standard input: 4 to 8 digits", "12345678\n"),
+        Atcli("pdp set 300 IP x", "exit 64: atcli: a cid is a number from 0 to 255"),
         Atcli("ecall start 1 x 112 0", Refused("P1, P2 and P4 are numbers")),
         Atcli("ecall mode 2 --json", R"({"mode":2})"),
         Atcli("ecall config 0 1 0 --json", R"({"param1":0,"param2":1,"param3":0})"),
@@ -415,28 +356,6 @@ TEST_F(ShippedSessionTest, ECall_ProgressGoesToTheReportsOnly) {
         Atcli("ecall start 1 1 112 0", "number: 112\nresult: started"),
         Atcli("ecall abort", "result: aborted"),
         Reported({"^ECLSTAT: 9,0"}),
-    });
-    // clang-format on
-}
-
-// Error replies of each class, and lines atcli refuses before sending.
-class ShippedFailTest : public ShippedSessionTest {
-  protected:
-    std::vector<std::string> FailRules() const override {
-        return {"AT+CPIN?=+CME ERROR: 10", "AT+CGDCONT?=+CMS ERROR: 310", "AT^NDISDUP=*=ERROR"};
-    }
-};
-
-TEST_F(ShippedFailTest, Atcli_ExitCodesSayWhoFailed) {
-    // clang-format off
-    Play({
-        Atcli("pin state", ModemError("pin state", 13)),
-        Atcli("pdp list --json", ModemError("pdp list", 13)),
-        Atcli("dial up 2", ModemError("dial up", AT_ERRID_UNMAPPED)),
-        Atcli("pin enter", "exit 64: atcli: PIN expected on standard input: 4 to 8 digits", "12\n"),
-        Atcli("pin enter --puk",
-              "exit 64: atcli: new PIN expected on standard input: 4 to 8 digits", "12345678\n"),
-        Atcli("pdp set 300 IP x", "exit 64: atcli: a cid is a number from 0 to 255"),
     });
     // clang-format on
 }

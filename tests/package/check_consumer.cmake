@@ -16,19 +16,6 @@ function(run)
   message(STATUS "${out}")
 endfunction()
 
-# readelf's dynamic section names libatapi.so exactly when a program was
-# linked against the shared library.
-function(expect_link program shared)
-  execute_process(COMMAND readelf -d ${program} OUTPUT_VARIABLE dynamic RESULT_VARIABLE result)
-  string(FIND "${dynamic}" "libatapi.so" found)
-  if(NOT result EQUAL 0)
-    message(FATAL_ERROR "readelf -d ${program} failed")
-  elseif(shared AND found EQUAL -1)
-    message(FATAL_ERROR "${program} does not load libatapi.so")
-  elseif(NOT shared AND NOT found EQUAL -1)
-    message(FATAL_ERROR "${program} loads libatapi.so instead of holding the static library")
-  endif()
-endfunction()
 
 file(REMOVE_RECURSE ${WORK_DIR})
 set(source ${WORK_DIR}/src)
@@ -76,9 +63,17 @@ if(NOT SANITIZE)
   list(APPEND programs ${WORK_DIR}/pc_static)
 endif()
 
+# readelf's dynamic section names libatapi.so exactly when a program was
+# linked against the shared library.
 foreach(program IN LISTS programs)
+  execute_process(COMMAND readelf -d ${program} OUTPUT_VARIABLE dynamic COMMAND_ERROR_IS_FATAL ANY)
+  string(FIND "${dynamic}" "libatapi.so" found)
   string(REGEX MATCH "shared$" shared ${program})
-  expect_link(${program} "${shared}")
+  if(shared AND found EQUAL -1)
+    message(FATAL_ERROR "${program} does not load libatapi.so")
+  elseif(NOT shared AND NOT found EQUAL -1)
+    message(FATAL_ERROR "${program} loads libatapi.so instead of holding the static library")
+  endif()
 endforeach()
 
 if(RUN)

@@ -15,7 +15,6 @@ for page in man8/atserver.8 man1/atsim.1 man1/atcli.1; do
         echo "$page: $warnings"
         status=1
     fi
-    # atsim has no --help: its usage comes with the refusal of an unknown option.
     usage=$($launcher "$prefix/bin/$program" --help 2>&1 || true)
     # Options as the usage offers them: "[--x", "(--x", "| --x" or an item's
     # first word; not those quoted in a description ("e.g. --sim-arg --no-urc").

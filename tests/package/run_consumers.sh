@@ -6,32 +6,22 @@
 # LAUNCHER runs the programs, atserver and atsim of a cross build.
 set -euo pipefail
 prefix=$1
-launcher=${LAUNCHER:-}
 shift
-
+launcher=${LAUNCHER:-}
+run=(${launcher:+"$launcher"})
 root=$(mktemp -d "${TMPDIR:-/tmp}/atapi-package.XXXXXX")
 export ATAPI_ROOT=$root
 mkdir -p "$root/var/run/pidfile"
-run=()
-sim_launcher=()
-if [ -n "$launcher" ]; then
-    run=("$launcher")
-    sim_launcher=(--atsim-launcher "$launcher")
-fi
 
-"${run[@]}" "$prefix/bin/atserver" --sim "${sim_launcher[@]}" --log "$root/atserver.log" &
+"${run[@]}" "$prefix/bin/atserver" --sim ${launcher:+--atsim-launcher "$launcher"} \
+    --log "$root/atserver.log" &
 server=$!
-stop() {
-    kill -TERM "$server" 2>/dev/null || true
-    wait "$server" 2>/dev/null || true
-    rm -rf "$root"
-}
-trap stop EXIT
+trap 'kill -TERM $server 2>/dev/null || true; wait $server 2>/dev/null || true; rm -rf "$root"' EXIT
 
 flag=$root/var/ats_ready.flg
 for _ in $(seq 300); do
-    [ -e "$flag" ] && break
-    kill -0 "$server" 2>/dev/null || break  # atserver ended early
+    # atserver may end early
+    if [ -e "$flag" ] || ! kill -0 "$server" 2>/dev/null; then break; fi
     sleep 0.1
 done
 if [ ! -e "$flag" ]; then

@@ -63,6 +63,32 @@ inline void AtParseFreeString(char *text) {
     if (text != nullptr) AtParseRelease(text, std::strlen(text));
 }
 
+// Copies text to dest: a short text (most fields) as two overlapping loads
+// and stores, without a call.
+inline void CopyText(char *dest, std::string_view text) {
+    const char *src = text.data();
+    const size_t n = text.size();
+    if (n >= 8 && n <= 16) {
+        uint64_t head, tail;
+        std::memcpy(&head, src, 8);
+        std::memcpy(&tail, src + n - 8, 8);
+        std::memcpy(dest, &head, 8);
+        std::memcpy(dest + n - 8, &tail, 8);
+    } else if (n >= 4 && n < 8) {
+        uint32_t head, tail;
+        std::memcpy(&head, src, 4);
+        std::memcpy(&tail, src + n - 4, 4);
+        std::memcpy(dest, &head, 4);
+        std::memcpy(dest + n - 4, &tail, 4);
+    } else if (n > 0 && n < 4) {
+        dest[0] = src[0];
+        dest[n / 2] = src[n / 2];
+        dest[n - 1] = src[n - 1];
+    } else if (n > 16) {
+        std::memcpy(dest, src, n);
+    }
+}
+
 // A NUL-terminated heap copy of text in a block of exactly its size (not
 // zero-filled first: the copy fills it, and nothing is left behind the
 // terminator for the wipe over its length to miss); null when the allocation
@@ -70,7 +96,7 @@ inline void AtParseFreeString(char *text) {
 inline char *AtParseStrDup(std::string_view text) {
     auto *copy = static_cast<char *>(AllocateBlock(text.size() + 1));
     if (copy == nullptr) return nullptr;
-    if (!text.empty()) std::memcpy(copy, text.data(), text.size());
+    CopyText(copy, text);
     copy[text.size()] = '\0';
     return copy;
 }

@@ -30,6 +30,12 @@ constexpr bool IsTrimmedEnd(char c) {
 // The field with a leading and a trailing run of each trimmed character
 // removed, one character after the other.
 [[gnu::noinline]] std::string_view TrimEnds(std::string_view field) {
+    // A quoted value: only the quotes go.
+    if (field.front() == '"' && field.back() == '"' && field.size() > 1) {
+        const size_t start = field.find_first_not_of('"');
+        if (start == std::string_view::npos) return {};
+        return field.substr(start, field.find_last_not_of('"') + 1 - start);
+    }
     for (char ch : kTrimOrder) {
         if (field.empty()) break;
         if (field.front() != ch && field.back() != ch) continue;

@@ -314,8 +314,7 @@ int main(int argc, char **argv) {
 
     std::vector<std::string> replies;
     for (const std::string &input : ReadCorpus(corpus)) replies.push_back(CText(input));
-    for (const atapi::bench::SetReply &reply : atapi::bench::kReplySet)
-        replies.emplace_back(reply.text);
+    for (const std::string &text : atapi::bench::ReplyTexts()) replies.push_back(text);
     Random rng;
     for (int i = 0; i < 400; ++i) replies.push_back(RandomText(&rng, 120, prefixes));
 

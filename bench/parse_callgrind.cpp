@@ -15,8 +15,8 @@ namespace {
     char work[AT_REPORT_STR_LEN];
     size_t bytes = 0;
     for (long pass = 0; pass < passes; ++pass) {
-        for (const atapi::bench::SetReply &reply : atapi::bench::kReplySet) {
-            atapi::bench::ParseReadFree(reply, work, sizeof(work), &bytes);
+        for (size_t i = 0; i < atapi::bench::kReplySetSize; ++i) {
+            atapi::bench::ParseReadFree(i, work, sizeof(work), &bytes);
         }
     }
     return bytes;
@@ -38,8 +38,8 @@ int main(int argc, char **argv) {
     atapi::AtParseSetAllocHooks(&hooks);
     char work[AT_REPORT_STR_LEN];
     size_t ignored = 0;
-    for (const atapi::bench::SetReply &reply : atapi::bench::kReplySet) {
-        atapi::bench::ParseReadFree(reply, work, sizeof(work), &ignored);
+    for (size_t i = 0; i < atapi::bench::kReplySetSize; ++i) {
+        atapi::bench::ParseReadFree(i, work, sizeof(work), &ignored);
     }
     atapi::AtParseSetAllocHooks(nullptr);
 

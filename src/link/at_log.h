@@ -4,8 +4,11 @@
 
 #include "platform/trace.h"
 
-#define AT_LOG(level, ...) \
-    UMO_TRACE_PrintInfo(kTraceSrc, __LINE__, 0, "atserver", (level), __VA_ARGS__)
+// A line nobody will see costs one load: its arguments are not even formatted.
+#define AT_LOG(level, ...)                                                               \
+    (platform::TraceShown(level)                                                         \
+         ? UMO_TRACE_PrintInfo(kTraceSrc, __LINE__, 0, "atserver", (level), __VA_ARGS__) \
+         : (void)0)
 #define AT_LOG_ERR(...) AT_LOG(TRACE_LEVEL_ERROR, __VA_ARGS__)
 #define AT_LOG_INFO(...) AT_LOG(TRACE_LEVEL_INFO, __VA_ARGS__)
 #define AT_LOG_DETAIL(...) AT_LOG(TRACE_LEVEL_DETAIL, __VA_ARGS__)

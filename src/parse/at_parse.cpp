@@ -14,12 +14,20 @@ namespace {
 
 constexpr char kTraceSrc[] = "atapi/src/at_parse";
 
-// Parses the rows of reply behind its first ':' with the field names behind
-// the template's first ':'. Rows are appended to *out, which is null. The
-// reply is read in place: each row is the span up to the next prefix.
-int32_t ParseEveryRow(AtCmdParseNode **out, std::string_view names, const char *reply,
+// True when text begins with prefix: most replies do, and then the prefix is
+// known to occur without a search.
+bool StartsWith(const char *text, const char *prefix) {
+    while (*prefix != '\0' && *prefix == *text) ++prefix, ++text;
+    return *prefix == '\0';
+}
+
+// Parses the rows of a reply behind its first ':' (replyColon) with the
+// field names behind the template's first ':'. Rows are appended to *out,
+// which is null. The reply is read in place: each row is the span up to the
+// next prefix.
+int32_t ParseEveryRow(AtCmdParseNode **out, std::string_view names, const char *replyColon,
                       const char *prefix) {
-    const char *cursor = std::strchr(reply, ':') + 1;
+    const char *cursor = replyColon + 1;
     AtCmdParseNode **tail = out;
     for (;;) {
         // A row ends where the next prefix occurrence starts, even inside a value.
@@ -51,12 +59,13 @@ int32_t ParseCommonAtStr(AtCmdParseNode **out, const char *atTemplate, char *rep
 
     // A reply without the prefix, or either text without ':', is not an
     // error: the caller learns that the line came, and gets no rows.
-    if (std::strstr(reply, prefix) == nullptr) return AT_PARSE_OK;
+    if (!StartsWith(reply, prefix) && std::strstr(reply, prefix) == nullptr) return AT_PARSE_OK;
     const char *namesColon = std::strchr(atTemplate, ':');
-    if (namesColon == nullptr || std::strchr(reply, ':') == nullptr) return AT_PARSE_OK;
+    const char *replyColon = std::strchr(reply, ':');
+    if (namesColon == nullptr || replyColon == nullptr) return AT_PARSE_OK;
 
     *out = nullptr;
-    return ParseEveryRow(out, namesColon + 1, reply, prefix);
+    return ParseEveryRow(out, namesColon + 1, replyColon, prefix);
 }
 
 int32_t ParseSoftStr(AtCmdParseNode **out, const char *atTemplate, char *reply,

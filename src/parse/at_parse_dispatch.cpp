@@ -5,6 +5,7 @@
 #include "atapi/at_parse.h"
 #include "link/at_log.h"
 #include "parse/handler_tables.h"
+#include "parse/row_index.h"
 #include "platform/bounded.h"
 
 namespace {
@@ -14,24 +15,47 @@ constexpr char kTraceSrc[] = "atapi/src/at_parse";
 AtParseModule g_parseRegistry[AT_REG_ENTRY_COUNT];
 AtReportModule g_reportRegistry[AT_REG_ENTRY_COUNT];
 
-const AtParseHandler *FindModuleTable(int32_t moduleId) {
-    for (const AtParseModule &module : atapi::g_atParseModules) {
-        if (module.moduleId == moduleId) return module.handlers;
-    }
-    return nullptr;
-}
-
-const AtParseHandler *FindHandler(const AtParseHandler *table, const char *atName) {
-    for (const AtParseHandler *entry = table; entry->atName != nullptr; ++entry) {
-        // Most prefixes share their first character ('+' or '^'): the
-        // second one settles most rows without a call.
-        if (entry->atName[0] == atName[0] &&
-            (atName[0] == '\0' ||
-             (entry->atName[1] == atName[1] && std::strcmp(entry->atName, atName) == 0))) {
-            return entry;
+// The module table as the dispatcher searches it: module id to the row
+// index of its handler table, built once, on first use.
+class ModuleIndex {
+  public:
+    ModuleIndex() {
+        for (int8_t &entry : byId_) entry = -1;
+        for (size_t i = atapi::kModuleCount; i-- > 0;) {  // the first entry of an id wins
+            const AtParseModule &module = atapi::g_atParseModules[i];
+            if (module.handlers != nullptr) rows_[i] = atapi::RowIndex(module.handlers);
+            if (module.moduleId >= 0 && module.moduleId < kDirectIds) {
+                byId_[module.moduleId] = static_cast<int8_t>(i);
+            }
         }
     }
-    return nullptr;
+
+    // The row index of the first entry of moduleId; null when there is no
+    // such entry or its table is null.
+    const atapi::RowIndex *Find(int32_t moduleId) const {
+        int32_t entry = -1;
+        if (moduleId >= 0 && moduleId < kDirectIds) {
+            entry = byId_[moduleId];
+        } else {
+            for (size_t i = 0; i < atapi::kModuleCount && entry < 0; ++i) {
+                if (atapi::g_atParseModules[i].moduleId == moduleId)
+                    entry = static_cast<int32_t>(i);
+            }
+        }
+        if (entry < 0 || atapi::g_atParseModules[entry].handlers == nullptr) return nullptr;
+        return &rows_[entry];
+    }
+
+  private:
+    static constexpr int32_t kDirectIds = 128;
+
+    int8_t byId_[kDirectIds];
+    atapi::RowIndex rows_[atapi::kModuleCount];
+};
+
+const ModuleIndex &Modules() {
+    static const ModuleIndex modules;
+    return modules;
 }
 
 // Registering replaces: the buffer is zeroed first, and a table too large for
@@ -61,9 +85,9 @@ int32_t ParseAtCmdFunc(AtCmdParseNode **out, const char *atName, char *replyText
     if (out == nullptr || replyText == nullptr) return AT_PARSE_BAD_ARG;
     AT_LOG_INFO("atName=%s\n", atName);
 
-    const AtParseHandler *table = FindModuleTable(moduleId);
-    if (table == nullptr) return AT_PARSE_BAD_ARG;
-    const AtParseHandler *entry = FindHandler(table, atName);
+    const atapi::RowIndex *rows = Modules().Find(moduleId);
+    if (rows == nullptr) return AT_PARSE_BAD_ARG;
+    const AtParseHandler *entry = rows->Find(atName);
     if (entry == nullptr) return AT_PARSE_NO_ENTRY;
     if (mode >= AT_PARSE_MODE_COUNT || entry->parseFn[mode] == nullptr) return AT_PARSE_BAD_MODE;
 

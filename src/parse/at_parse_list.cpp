@@ -13,6 +13,13 @@ constexpr char kTraceSrc[] = "atapi/src/at_parse";
 // A piece with its terminator fits the reply text of one message.
 constexpr size_t kMaxPieceBytes = AT_REPORT_STR_LEN;
 
+// Wipes and frees a node and both its strings.
+inline void ReleaseNode(AtCmdParseNode *node) {
+    atapi::AtParseFreeString(node->atFieldName);
+    atapi::AtParseFreeString(node->atFieldValue);
+    atapi::AtParseRelease(node, sizeof(*node));
+}
+
 }  // namespace
 
 extern "C" {
@@ -28,10 +35,7 @@ void AddLinkNode(AtCmdParseNode **head, AtCmdParseNode *row) {
 }
 
 void FreeAtCmdParseNode(AtCmdParseNode *node) {
-    if (node == nullptr) return;
-    atapi::AtParseFreeString(node->atFieldName);
-    atapi::AtParseFreeString(node->atFieldValue);
-    atapi::AtParseRelease(node, sizeof(*node));
+    if (node != nullptr) ReleaseNode(node);
 }
 
 void FreeAtCmd(AtCmdParseNode *first) {
@@ -39,7 +43,7 @@ void FreeAtCmd(AtCmdParseNode *first) {
         AtCmdParseNode *nextRow = first->nextRow;
         for (AtCmdParseNode *node = first; node != nullptr;) {
             AtCmdParseNode *nextField = node->nextField;
-            FreeAtCmdParseNode(node);
+            ReleaseNode(node);
             node = nextField;
         }
         first = nextRow;

@@ -1,5 +1,8 @@
 // Splitting a names text and a values text into one row of nodes.
 #include <algorithm>
+#include <bit>
+#include <cstdint>
+#include <cstring>
 #include <string_view>
 
 #include "atapi/at_parse.h"
@@ -18,13 +21,20 @@ constexpr uint32_t kMaxFieldsPerRow = 1000;
 constexpr char kTrimOrder[] = {'\n', '\r', ' ', '"'};
 
 // One of kTrimOrder's characters.
-bool IsTrimmedEnd(char c) { return c == '\n' || c == '\r' || c == ' ' || c == '"'; }
+constexpr bool IsTrimmedEnd(char c) {
+    constexpr uint64_t kEnds = 1ull << '\n' | 1ull << '\r' | 1ull << ' ' | 1ull << '"';
+    return static_cast<unsigned char>(c) < 64 &&
+           ((kEnds >> static_cast<unsigned char>(c)) & 1) != 0;
+}
 
 // The field with a leading and a trailing run of each trimmed character
 // removed, one character after the other.
-std::string_view Trimmed(std::string_view field) {
-    if (field.empty() || (!IsTrimmedEnd(field.front()) && !IsTrimmedEnd(field.back()))) {
-        return field;
+[[gnu::noinline]] std::string_view TrimEnds(std::string_view field) {
+    // A quoted value: only the quotes go.
+    if (field.front() == '"' && field.back() == '"' && field.size() > 1) {
+        const size_t start = field.find_first_not_of('"');
+        if (start == std::string_view::npos) return {};
+        return field.substr(start, field.find_last_not_of('"') + 1 - start);
     }
     for (char ch : kTrimOrder) {
         if (field.empty()) break;
@@ -38,12 +48,57 @@ std::string_view Trimmed(std::string_view field) {
     return field;
 }
 
+// Most fields have nothing to trim: two tests and no call settle them.
+inline std::string_view Trimmed(std::string_view field) {
+    if (field.empty() || (!IsTrimmedEnd(field.front()) && !IsTrimmedEnd(field.back()))) {
+        return field;
+    }
+    return TrimEnds(field);
+}
+
+// Bit 7 of each byte of the result is set where word holds the byte of
+// pattern (all its bytes alike); the lowest set bit is exact, bits above a
+// match may be false.
+constexpr uint64_t BytesEqual(uint64_t word, uint64_t pattern) {
+    constexpr uint64_t kOnes = 0x0101010101010101ull;
+    const uint64_t x = word ^ pattern;
+    return (x - kOnes) & ~x & (kOnes << 7);
+}
+
+// The first ',' or '"' of [p, end), or end; text is where the whole text
+// starts (bytes from it on may be read). Eight bytes are tested at a time.
+const char *FindCommaOrQuote(const char *text, const char *p, const char *end) {
+    constexpr uint64_t kCommas = 0x0101010101010101ull * ',';
+    constexpr uint64_t kQuotes = 0x0101010101010101ull * '"';
+    if constexpr (std::endian::native == std::endian::little) {
+        uint64_t word;
+        for (; end - p >= 8; p += 8) {
+            std::memcpy(&word, p, 8);
+            const uint64_t hits = BytesEqual(word, kCommas) | BytesEqual(word, kQuotes);
+            if (hits != 0) return p + (std::countr_zero(hits) >> 3);
+        }
+        if (p == end || end - text < 8) {
+            while (p != end && *p != ',' && *p != '"') ++p;
+            return p;
+        }
+        // The last word of the text, its bytes before p shifted out.
+        std::memcpy(&word, end - 8, 8);
+        word >>= 8 * (8 - (end - p));
+        const uint64_t hits = BytesEqual(word, kCommas) | BytesEqual(word, kQuotes);
+        return hits != 0 ? p + (std::countr_zero(hits) >> 3) : end;
+    } else {
+        while (p != end && *p != ',' && *p != '"') ++p;
+        return p;
+    }
+}
+
 // The comma-separated fields of a text, one slot per comma outside double
 // quotes plus one: a '"' toggles the quoted state, and a last field that ends
 // inside an unclosed quote is lost (its slot holds no field).
 class FieldCursor {
   public:
-    explicit FieldCursor(std::string_view text) : next_(text.data()), end_(next_ + text.size()) {}
+    explicit FieldCursor(std::string_view text)
+        : text_(text.data()), next_(text_), end_(next_ + text.size()) {}
 
     bool HasSlot() const { return !done_; }
 
@@ -52,11 +107,12 @@ class FieldCursor {
     bool Next(std::string_view *field) {
         const char *start = next_;
         bool quoted = false;
-        for (const char *p = start; p != end_; ++p) {
-            if (*p > ',') continue;  // digits and letters, most of a reply
+        for (const char *p = start;; ++p) {
+            p = FindCommaOrQuote(text_, p, end_);
+            if (p == end_) break;
             if (*p == '"') {
                 quoted = !quoted;
-            } else if (*p == ',' && !quoted) {
+            } else if (!quoted) {
                 *field = std::string_view(start, static_cast<size_t>(p - start));
                 next_ = p + 1;
                 return true;
@@ -78,6 +134,7 @@ class FieldCursor {
     }
 
   private:
+    const char *text_;  // the whole text: the scan may read any of it
     const char *next_;
     const char *end_;
     bool done_ = false;  // every slot taken

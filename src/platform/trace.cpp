@@ -1,6 +1,7 @@
 #include "platform/trace.h"
 
 #include <atomic>
+#include <climits>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
@@ -25,7 +26,15 @@ std::atomic<int> &Threshold() {
     return threshold;
 }
 
+// Works out which levels are shown after the sink or the threshold changed.
+void UpdateShownBelow() {
+    const int threshold = Threshold().load(std::memory_order_relaxed);
+    const int below = Slot().Installed() || threshold >= INT_MAX - 1 ? INT_MAX : threshold + 1;
+    platform::g_traceShownBelow.store(below < 1 ? 1 : below, std::memory_order_relaxed);
+}
+
 void Emit(const char *channel, const char *source, int level, const char *format, va_list ap) {
+    if (platform::g_traceShownBelow.load(std::memory_order_relaxed) == 0) UpdateShownBelow();
     if (!Slot().Installed() && level > Threshold().load(std::memory_order_relaxed)) return;
     char text[2048];
     std::vsnprintf(text, sizeof text, format, ap);
@@ -39,6 +48,8 @@ void Emit(const char *channel, const char *source, int level, const char *format
 }
 
 }  // namespace
+
+std::atomic<int> platform::g_traceShownBelow{0};
 
 extern "C" {
 
@@ -60,8 +71,14 @@ void mlog_print(const char *name, int level, const char *format, ...) {
     va_end(ap);
 }
 
-void PlatformSetLogSink(PlatformLogSink sink, void *ctx) { Slot().Install(sink, ctx); }
+void PlatformSetLogSink(PlatformLogSink sink, void *ctx) {
+    Slot().Install(sink, ctx);
+    UpdateShownBelow();
+}
 
-void PlatformSetLogThreshold(int level) { Threshold().store(level, std::memory_order_relaxed); }
+void PlatformSetLogThreshold(int level) {
+    Threshold().store(level, std::memory_order_relaxed);
+    UpdateShownBelow();
+}
 
 }  // extern "C"

@@ -30,6 +30,23 @@ void PlatformSetLogThreshold(int level);
 
 #ifdef __cplusplus
 }
+
+#include <atomic>
+
+namespace platform {
+
+// Lines below this level are shown (INT_MAX while a sink is installed); 0
+// until the first line or setting has worked it out.
+extern std::atomic<int> g_traceShownBelow;
+
+// False when a line of level would be dropped: callers skip the call, and
+// the formatting of its arguments, altogether.
+inline bool TraceShown(int level) {
+    const int below = g_traceShownBelow.load(std::memory_order_relaxed);
+    return below == 0 || level < below;
+}
+
+}  // namespace platform
 #endif
 
 #endif

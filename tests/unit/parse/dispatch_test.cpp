@@ -3,9 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <memory>
 #include <string>
 #include <vector>
 
+#include "parse/handler_tables.h"
+#include "parse/row_index.h"
 #include "parse_test_util.h"
 
 namespace atapi::test {
@@ -49,6 +52,38 @@ TEST(ParseAtCmdFunc, ParsesWithTheModulesTemplate) {
     Result result;
     ASSERT_EQ(ParseAtCmdFunc(result.Out(), "+CREG", reply, 1, AT_PARSE_QUERY), AT_PARSE_OK);
     EXPECT_EQ(result.rows(), (Rows{{{"n", "2"}, {"stat", "1"}, {"lac", "00C3"}, {"ci", "1A2B"}}}));
+}
+
+// The first row of a name in walk order, as ParseAtCmdFunc looked rows up
+// before it had an index.
+const AtParseHandler *Walk(const AtParseHandler *first, const char *atName) {
+    for (const AtParseHandler *row = first; row->atName != nullptr; ++row) {
+        if (std::strcmp(row->atName, atName) == 0) return row;
+    }
+    return nullptr;
+}
+
+TEST(RowIndex, FindsWhatTheWalkFinds) {
+    std::vector<const char *> names = {"", "+", "+CRE", "+CREGX", "^ABSENT"};
+    for (const AtParseModule &module : g_atParseModules) {
+        for (const AtParseHandler *row = module.handlers; row->atName != nullptr; ++row) {
+            names.push_back(row->atName);
+        }
+    }
+    // 90 names three times over and more: from row 180 on, each name twice
+    // (the first wins); from row 0, a walk too long for the index.
+    std::vector<std::string> rowNames;
+    for (int i = 0; i < 300; ++i) rowNames.push_back("+R" + std::to_string(i % 90));
+    std::vector<AtParseHandler> rows(rowNames.size() + 1, AtParseHandler{});
+    for (size_t i = 0; i < rowNames.size(); ++i) rows[i].atName = rowNames[i].c_str();
+    names.insert(names.end(), {"+R0", "+R89", "+R90"});
+
+    std::vector<const AtParseHandler *> firsts = {rows.data(), rows.data() + 180};
+    for (const AtParseModule &module : g_atParseModules) firsts.push_back(module.handlers);
+    for (const AtParseHandler *first : firsts) {
+        const auto index = std::make_unique<RowIndex>(first);
+        for (const char *name : names) EXPECT_EQ(index->Find(name), Walk(first, name)) << name;
+    }
 }
 
 class RegistryTest : public ::testing::Test {

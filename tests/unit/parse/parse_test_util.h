@@ -4,12 +4,15 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <initializer_list>
+#include <iterator>
 #include <map>
 #include <optional>
 #include <ostream>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -48,6 +51,22 @@ inline Rows RowsOf(const AtCmdParseNode *first) {
             row.push_back({TextOf(n->atFieldName), TextOf(n->atFieldValue)});
         }
         rows.push_back(row);
+    }
+    return rows;
+}
+
+// Rows written as text: rows split by '|', fields by ';', name and value by
+// '='; "~" stands for null. "code=READY;times=~" is one row of two fields.
+inline Rows R(std::string_view spec) {
+    const auto text = [](std::string_view t) { return t == "~" ? kNull : Text(t); };
+    Rows rows(1);
+    for (size_t end = 0; !spec.empty();
+         spec.remove_prefix(end == std::string_view::npos ? spec.size() : end + 1)) {
+        end = std::min(spec.find(';'), spec.find('|'));
+        const std::string_view field = spec.substr(0, end);
+        const size_t eq = field.find('=');
+        rows.back().push_back({text(field.substr(0, eq)), text(field.substr(eq + 1))});
+        if (end != std::string_view::npos && spec[end] == '|') rows.emplace_back();
     }
     return rows;
 }
@@ -172,8 +191,53 @@ struct ParseCase {
     Rows rows;
 };
 
+// What a routine answers to a null template and to a reply read with a
+// prefix it does not carry (the cell-list parser never looks for it).
+struct RoutineCodes {
+    AtParseFn parse;
+    int32_t withoutTemplate;
+    int32_t withoutPrefix;
+};
+inline constexpr int32_t kNoTemplate = AT_PARSE_NO_TEMPLATE;
+inline constexpr int32_t kBad = AT_PARSE_BAD_ARG;
+inline constexpr RoutineCodes kRoutineCodes[] = {
+    {ParseCommonAtStr, kNoTemplate, AT_PARSE_OK},
+    {ParseSoftStr, kNoTemplate, kBad},
+    {ParseNdisStateQueryAtStr, kBad, kBad},
+    {ParseCmgiListAtStr, kNoTemplate, kBad},
+    {ParseSmsIndexListAtStr, kNoTemplate, kBad},
+    {ParseSmsCmgrAtStr, kBad, AT_PARSE_OK},
+    {ParseAtCgasStr, kBad, AT_PARSE_OK},
+    {ParseEonsAtStr, kNoTemplate, kBad},
+    {ParseSysCfgAtStr, kBad, kBad},
+    {ParseSysCfgExAtStr, kBad, kBad},
+    {ParseLteProfileAtStr, kBad, kBad},
+    {ParseCopsAtStr, kNoTemplate, kBad},
+    {ParseSmsMediaAtStr, kBad, kBad},
+};
+
+// The refusals of a case's routine, on the case's reply.
+inline void ExpectRefusals(const ParseCase &c) {
+    const auto codes = std::find_if(std::begin(kRoutineCodes), std::end(kRoutineCodes),
+                                    [&](const RoutineCodes &r) { return r.parse == c.parse; });
+    ASSERT_NE(codes, std::end(kRoutineCodes));
+    std::string reply = c.reply;
+    Result result;
+    EXPECT_EQ(c.parse(nullptr, c.atTemplate, reply.data(), c.prefix), kBad);
+    EXPECT_EQ(c.parse(result.Out(), c.atTemplate, nullptr, c.prefix), kBad);
+    EXPECT_EQ(c.parse(result.Out(), c.atTemplate, reply.data(), nullptr), kBad);
+    EXPECT_EQ(c.parse(result.Out(), nullptr, reply.data(), c.prefix), codes->withoutTemplate);
+    EXPECT_EQ(result.Get(), nullptr);
+    Result foreign;
+    EXPECT_EQ(c.parse(foreign.Out(), c.atTemplate, reply.data(), "^ABSENT"), codes->withoutPrefix);
+}
+
 // Runs a case on a copy of its reply, which it returns as the call left it;
-// every block must come back wiped.
+// every block must come back wiped. A case that parses to rows runs again
+// with each of its allocations failing in turn: nothing may leak, and what is
+// handed out is either nothing, with a failure status, or (the template
+// parser only) the rows before the one that failed; and its routine must
+// refuse missing arguments and foreign replies.
 inline std::string ExpectParse(const ParseCase &c) {
     SCOPED_TRACE(c.label);
     std::string reply = c.reply;
@@ -184,6 +248,27 @@ inline std::string ExpectParse(const ParseCase &c) {
         EXPECT_EQ(result.rows(), c.rows);
     }
     tracker.ExpectAllReleasedWiped();
+    const uint64_t allocations =
+        c.status == AT_PARSE_OK && !c.rows.empty() ? tracker.Allocations() : 0;
+    if (!c.rows.empty()) ExpectRefusals(c);
+    for (uint64_t failAt = 1; failAt <= allocations && allocations <= 400; ++failAt) {
+        SCOPED_TRACE("failing allocation " + std::to_string(failAt));
+        std::string work = c.reply;
+        AllocTracker failing(failAt);
+        {
+            Result result;
+            const int32_t status = c.parse(result.Out(), c.atTemplate, work.data(), c.prefix);
+            const Rows got = result.rows();
+            if (status == AT_PARSE_OK && c.parse == ParseCommonAtStr) {
+                EXPECT_TRUE(!got.empty() && got.size() < c.rows.size() &&
+                            std::equal(got.begin(), got.end(), c.rows.begin()));
+            } else {
+                EXPECT_NE(status, AT_PARSE_OK);
+                EXPECT_EQ(result.Get(), nullptr);
+            }
+        }
+        failing.ExpectAllReleasedWiped();
+    }
     return reply;
 }
 

@@ -4,7 +4,8 @@
 
 #include "platform/trace.h"
 
-// A line nobody will see costs one load: its arguments are not even formatted.
+// A line nobody will see costs one load: its arguments are not even evaluated,
+// so they must not have side effects.
 #define AT_LOG(level, ...)                                                               \
     (platform::TraceShown(level)                                                         \
          ? UMO_TRACE_PrintInfo(kTraceSrc, __LINE__, 0, "atserver", (level), __VA_ARGS__) \

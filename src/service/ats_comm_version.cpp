@@ -158,7 +158,8 @@ int32_t AtVersion(VersionInfo *v) {
         }
         const char *value = rows.Get()->atFieldValue;
         if (value == nullptr || !atapi::comm::StoreVersionLine(value, *v)) continue;
-        AT_LOG_INFO("getVersionNum %u", ++found);
+        ++found;
+        AT_LOG_INFO("getVersionNum %u", found);
         if (found == kVersionsWanted) return FinishVersions(*v);
     }
     return -1;

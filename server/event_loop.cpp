@@ -74,6 +74,7 @@ EventLoop::EventLoop(ModemBackend &backend, RequestQueues &queues, ReportSink &r
       outbox_(*this, queues.ReplyRoom()) {}
 
 EventLoop::~EventLoop() {
+    intake_.Stop();  // before the queues go
     backend_.Close();
     if (signalFd_ != -1) close(signalFd_);
     if (timerFd_ != -1) close(timerFd_);
@@ -90,7 +91,7 @@ bool EventLoop::Setup() {
         return false;
     }
     ArmTimer(kIdleTickMs);
-    return true;
+    return intake_.Start(queues_.RequestQid());
 }
 
 void EventLoop::ArmTimer(int64_t intervalMs) {
@@ -115,7 +116,7 @@ void EventLoop::ArmOutboxTimer(int64_t atUs) {
 }
 
 int EventLoop::Run() {
-    if (!Setup()) return Stop(1, "no signal or timer descriptor");
+    if (!Setup()) return Stop(1, "no signal or timer descriptor, or no request intake");
     Logf("modem: %s", backend_.Describe().c_str());
     TryOpenModem(NowMs());
     for (;;) {
@@ -123,12 +124,13 @@ int EventLoop::Run() {
         // The last descriptor is the port, or what its backend waits on while opening.
         const int portFd = modemFd_ != -1 ? modemFd_ : openWaitFd_;
         const short portEvents = modemFd_ != -1 ? POLLIN : openWaitEvents_;
-        pollfd fds[4] = {{signalFd_, POLLIN, 0},
+        pollfd fds[5] = {{signalFd_, POLLIN, 0},
                          {timerFd_, POLLIN, 0},
                          {outboxTimerFd_, POLLIN, 0},
+                         {intake_.WakeFd(), POLLIN, 0},
                          {portFd, portEvents, 0}};
-        const nfds_t count = portFd == -1 ? 3 : 4;
-        if (modemFd_ != -1 && !modemOutput_.empty()) fds[3].events |= POLLOUT;
+        const nfds_t count = portFd == -1 ? 4 : 5;
+        if (modemFd_ != -1 && !modemOutput_.empty()) fds[4].events |= POLLOUT;
         if (poll(fds, count, -1) < 0) {
             if (errno == EINTR) continue;
             LogError("poll failed: %s", std::strerror(errno));
@@ -136,13 +138,12 @@ int EventLoop::Run() {
         }
         const int64_t now = NowMs();
         if ((fds[0].revents & POLLIN) != 0 && !HandleSignals()) return 0;
-        // The request queue is emptied after every wake-up, not only after a
-        // caller's signal (which may also never come): where it holds only 10
-        // records, a burst of callers fills it while atserver is busy elsewhere.
+        // What the intake took is served after every wake-up, whatever woke
+        // the loop: a caller's signal only nudges it (and may never come).
         TakeRequests(now);
-        if (count == 4 && fds[3].revents != 0) {
+        if (count == 5 && fds[4].revents != 0) {
             if (modemFd_ != -1) {
-                HandleModem(fds[3].revents, now);
+                HandleModem(fds[4].revents, now);
             } else {
                 TryOpenModem(now);
             }
@@ -194,7 +195,7 @@ bool EventLoop::HandleSignals() {
         if (signal == nullptr) continue;
         switch (signal->action) {
             case SignalAction::kRequests:
-                break;  // taken after every wake-up (Run)
+                break;  // served after every wake-up (Run)
             case SignalAction::kStop:
                 Logf("%s from pid %u: stopping", signal->name, info.ssi_pid);
                 stopReason_ = signal->name;
@@ -213,8 +214,7 @@ bool EventLoop::HandleSignals() {
 }
 
 void EventLoop::TakeRequests(int64_t nowMs) {
-    std::vector<IncomingRecord> records;
-    queues_.TakeAll(&records);
+    const std::vector<IncomingRecord> records = intake_.Take();
     const int64_t nowUs = MonotonicUs();
     for (const IncomingRecord &record : records) {
         if (record.kind != RecordKind::kControl) outbox_.OnRequest(record.msg.mtype, nowUs);
@@ -228,6 +228,7 @@ void EventLoop::HandleTimer(int64_t nowMs) {
     }
     backend_.Tick(nowMs);
     queues_.Recover();
+    intake_.Serve(queues_.RequestQid());
     // A backend that is opening is also asked again on the tick, so that its
     // own deadline holds when its descriptor stays silent.
     if (modemFd_ == -1 && (openWaitFd_ != -1 || nowMs >= nextOpenMs_)) TryOpenModem(nowMs);

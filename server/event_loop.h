@@ -1,6 +1,7 @@
-// atserver's single thread: one poll over a signalfd (SIGUSR1 = a request is
-// waiting; SIGTERM/SIGINT = stop; SIGHUP = reopen the log), the modem
-// descriptor (or the one its backend waits on while opening) and a timer.
+// atserver's event loop: one poll over a signalfd (SIGUSR1 = a request is
+// waiting, a mere nudge; SIGTERM/SIGINT = stop; SIGHUP = reopen the log), the
+// request intake's wake-up, the modem descriptor (or the one its backend
+// waits on while opening) and timers. The intake's thread is the only other.
 #pragma once
 
 #include <signal.h>
@@ -13,6 +14,7 @@
 #include "modem_backend.h"
 #include "reply_outbox.h"
 #include "report_sink.h"
+#include "request_intake.h"
 #include "request_queues.h"
 #include "urc_filter.h"
 
@@ -62,6 +64,7 @@ class EventLoop : private CommandScheduler::Io, private ReplyOutbox::Queue {
 
     ModemBackend &backend_;
     RequestQueues &queues_;
+    RequestIntake intake_;
     ReportSink &reports_;
     UrcFilter urc_;
     CommandScheduler scheduler_;

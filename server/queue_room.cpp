@@ -55,8 +55,8 @@ size_t RaiseQueueRoom(int qid, const char *name) {
     if (systemLimit > 0 && systemLimit < kWantedBytes) RaiseByteLimit(qid, systemLimit);
     const size_t records = RecordsHeld(qid);
     LogWarn(
-        "the %s queue holds only %zu records (%s): more waiting callers than that make sends "
-        "fail; set kernel.msgmnb to %lu or give atserver CAP_SYS_RESOURCE",
+        "the %s queue holds only %zu records (%s): more callers at once than that may find it "
+        "full; set kernel.msgmnb to %lu or give atserver CAP_SYS_RESOURCE",
         name, records, std::strerror(refused), static_cast<unsigned long>(kWantedBytes));
     return records;
 }

@@ -1,5 +1,6 @@
 // Room in atserver's queues. A caller sends its request without waiting and
-// tries again only 100 ms after finding the request queue full, and a reply
+// tries again only 100 ms after finding the request queue full (atserver
+// takes requests as they arrive, but a burst may come faster), and a reply
 // that finds the reply queue full waits inside atserver until its caller's
 // next 30 ms poll finds room; so each queue is given room for every caller
 // that may wait at once, beyond the 16 KiB that the library's queue layer

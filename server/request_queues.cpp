@@ -75,6 +75,27 @@ RecordKind ClassifyRecord(const AtSrvMsg &msg, size_t payloadLen) {
     return RecordKind::kCommand;
 }
 
+bool ReceiveRequest(int qid, IncomingRecord *record) {
+    WireRecord wire;
+    ssize_t got = -1;
+    do {
+        got = msgrcv(qid, &wire, sizeof wire.payload, 0, MSG_NOERROR);
+    } while (got < 0 && errno == EINTR);
+    if (got < 0) return false;
+    AtSrvMsg &msg = record->msg;
+    msg.mtype = static_cast<int32_t>(wire.mtype);
+    const size_t payloadLen = static_cast<size_t>(got);
+    memcpy_s(reinterpret_cast<char *>(&msg) + kTypeWordSize, AT_SRV_MSG_PAYLOAD, wire.payload,
+             payloadLen < AT_SRV_MSG_PAYLOAD ? payloadLen : AT_SRV_MSG_PAYLOAD);
+    record->kind = ClassifyRecord(msg, payloadLen);
+    if (record->kind == RecordKind::kMalformed) {
+        LogWarn("dropped a malformed record from %d: %zu bytes, reqType %u", msg.mtype, payloadLen,
+                msg.reqType);
+        memset_s(&msg, sizeof msg, 0, sizeof msg);
+    }
+    return true;
+}
+
 RequestQueues::~RequestQueues() { Destroy(); }
 
 bool RequestQueues::Create() {
@@ -128,32 +149,6 @@ void RequestQueues::Destroy() {
     if (replyQid_ != -1) AtsMsgQueueDelete(replyQid_);
     requestQid_ = -1;
     replyQid_ = -1;
-}
-
-void RequestQueues::TakeAll(std::vector<IncomingRecord> *out) {
-    if (requestQid_ == -1) return;
-    WireRecord wire;
-    for (;;) {
-        const ssize_t got = ReceiveRaw(requestQid_, &wire);
-        if (got < 0) {
-            if (errno != ENOMSG) LogError("request queue read failed: %s", std::strerror(errno));
-            return;
-        }
-        // Straight into its place: no copy of the record is left behind.
-        IncomingRecord &record = out->emplace_back();
-        AtSrvMsg &msg = record.msg;
-        msg.mtype = static_cast<int32_t>(wire.mtype);
-        const size_t payloadLen = static_cast<size_t>(got);
-        memcpy_s(reinterpret_cast<char *>(&msg) + kTypeWordSize, AT_SRV_MSG_PAYLOAD, wire.payload,
-                 payloadLen < AT_SRV_MSG_PAYLOAD ? payloadLen : AT_SRV_MSG_PAYLOAD);
-        record.kind = ClassifyRecord(msg, payloadLen);
-        if (record.kind == RecordKind::kMalformed) {
-            LogWarn("dropped a malformed record from %d: %zu bytes, reqType %u", msg.mtype,
-                    payloadLen, msg.reqType);
-            memset_s(&msg, sizeof msg, 0, sizeof msg);
-            out->pop_back();
-        }
-    }
 }
 
 RequestQueues::SendResult RequestQueues::SendReply(const AtSrvMsg &reply) {

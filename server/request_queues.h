@@ -3,7 +3,6 @@
 #pragma once
 
 #include <cstddef>
-#include <vector>
 
 #include "atapi/at_types.h"
 
@@ -25,6 +24,11 @@ struct IncomingRecord {
     RecordKind kind;
 };
 
+// Waits for the next record of any type on request queue qid and decodes it
+// into *record. A malformed record is logged and wiped (its kind says so).
+// False, with errno set, when the queue cannot be read.
+bool ReceiveRequest(int qid, IncomingRecord *record);
+
 class RequestQueues {
   public:
     RequestQueues() = default;
@@ -36,15 +40,13 @@ class RequestQueues {
     bool Create();
     // The records the reply queue holds (known after Create).
     size_t ReplyRoom() const { return replyRoom_; }
+    // The request queue served now (-1 when there is none).
+    int RequestQid() const { return requestQid_; }
     // Deletes both queues (also done by the destructor).
     void Destroy();
     // A queue removed from outside (or not had since) is taken again by its
     // key: the one made again by whoever removed it, or a new one.
     void Recover();
-
-    // Takes every record waiting in the request queue, without waiting.
-    // Malformed records are logged and dropped; the rest are appended to *out.
-    void TakeAll(std::vector<IncomingRecord> *out);
 
     enum class SendResult { kSent, kFull, kFailed };
     SendResult SendReply(const AtSrvMsg &reply);

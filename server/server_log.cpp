@@ -8,6 +8,7 @@
 #include <cstdarg>
 #include <cstdio>
 #include <ctime>
+#include <mutex>
 
 #include "platform/bounded.h"
 #include "platform/trace.h"
@@ -34,6 +35,9 @@ LogTarget g_target = LogTarget::kStderr;
 std::string g_path;
 FILE *g_logFile = nullptr;
 LogLevel g_threshold = LogLevel::kInfo;
+// The request intake logs from its own thread: a line is written whole, and
+// never to a file that a reopen is closing.
+std::mutex g_fileMutex;
 
 // Library trace lines (errors only) join atserver's log.
 void LibrarySink(void *, const char *channel, const char *source, int level, const char *text) {
@@ -52,6 +56,7 @@ void WriteLine(LogLevel level, const char *text) {
     localtime_r(&now.tv_sec, &local);
     char stamp[32];
     std::strftime(stamp, sizeof stamp, "%Y-%m-%d %H:%M:%S", &local);
+    std::lock_guard lock(g_fileMutex);
     FILE *out = g_logFile != nullptr ? g_logFile : stderr;
     std::fprintf(out, "%s.%03ld atserver[%d] %s: %s\n", stamp, now.tv_nsec / 1000000L,
                  static_cast<int>(getpid()), Describe(level).name, text);
@@ -108,6 +113,7 @@ bool LogReopen() {
     if (g_target != LogTarget::kFile) return true;
     FILE *file = std::fopen(g_path.c_str(), "ae");
     if (file == nullptr) return false;
+    std::lock_guard lock(g_fileMutex);
     std::fclose(g_logFile);
     g_logFile = file;
     return true;

@@ -4,6 +4,7 @@
 #include <sys/msg.h>
 #include <unistd.h>
 
+#include <climits>
 #include <thread>
 
 #include "atapi/at_link.h"
@@ -22,16 +23,23 @@ size_t Occurrences(const std::string &text, const std::string &needle) {
     return count;
 }
 
-// Short, long and of an unknown request type (lengths include the type word).
+// Short, long, of an unknown request type, and a bare type word of the
+// highest type (lengths include the type word).
 void SendMalformedRecords(pid_t server) {
     const int qid = AtsGetMsgQueueId(kServerRecvProjId);
-    for (const auto &[length, reqType] : {std::pair<uint32_t, uint32_t>{104, AT_REQ_COMMAND},
-                                          {3004, AT_REQ_COMMAND},
-                                          {AT_SRV_MSG_SIZE, 42}}) {
-        std::vector<int32_t> words(length / 4, 0x41414141);
-        words[0] = ForeignMtype(20);
-        words[1] = static_cast<int32_t>(reqType);
-        ASSERT_TRUE(SendRaw(qid, words.data(), length)) << length;
+    struct Record {
+        uint32_t length;
+        int32_t mtype;
+        uint32_t reqType;
+    };
+    for (const Record &record :
+         {Record{104, ForeignMtype(20), AT_REQ_COMMAND},
+          Record{3004, ForeignMtype(20), AT_REQ_COMMAND},
+          Record{AT_SRV_MSG_SIZE, ForeignMtype(20), 42}, Record{4, INT32_MAX, AT_REQ_COMMAND}}) {
+        std::vector<int32_t> words(record.length / 4 + 1, 0x41414141);
+        words[0] = record.mtype;
+        words[1] = static_cast<int32_t>(record.reqType);
+        ASSERT_TRUE(SendRaw(qid, words.data(), record.length)) << record.length;
     }
     ASSERT_EQ(AtsEventSend(server, 1), 1);
 }
@@ -71,7 +79,7 @@ TEST_F(E2eTest, Faults_CallerSeesEachAndTheNextExchangeWorks) {
     };
     const Fault faults[] = {
         {"malformed records in the request queue", [&] { SendMalformedRecords(server_->Pid()); },
-         "dropped a malformed record", 3},
+         "dropped a malformed record", 4},
         {"lines reach atserver in pieces, split inside a quoted value",
          [] {
              const Exchange split = Send("AT+SPLIT");

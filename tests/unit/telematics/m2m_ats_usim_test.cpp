@@ -14,32 +14,26 @@ namespace {
 constexpr char kEid[] = "89049032007008882600012345678901";
 
 // clang-format off
-TEST(M2mAtsUsim, SimState) {
-    using R = SimSqInfo;
-    const auto query = [](R &r) { return AtSimSqQuery(&r); };
-    const auto read = [](int32_t mode, int32_t status) { return [=](R &r) { r = {mode, status}; }; };
-    RunCommandCases<R>(Cases<R>{
-        {"state", query, {Ok("AT^SIMSQ?", "^SIMSQ: 1,12").Prefix("^SIMSQ:").Timeout(5)}, 0, read(1, 12)},
-        {"a missing field is left", query, {Ok("AT^SIMSQ?", "^SIMSQ: 0")}, 0, read(0, 7)},
-        {"OK without the state", query, {Ok("AT^SIMSQ?", "")}, -1},
-    } + ErrorCases<R>("state", query, "AT^SIMSQ?", kFails), R{7, 7});
-    EXPECT_EQ(AtSimSqQuery(nullptr), -1);
-}
-
-TEST(M2mAtsUsim, EuiccId) {
+TEST(M2mAtsUsim, SimStateAndEuiccId) {
+    const auto read = [](int32_t mode, int32_t status) { return [=](SimSqInfo &r) { r = {mode, status}; }; };
+    const auto sq = [](SimSqInfo &r) { return AtSimSqQuery(&r); };
+    RunRows<SimSqInfo>({
+        {"state", sq, {Ok("AT^SIMSQ?", "^SIMSQ: 1,12").Prefix("^SIMSQ:").Timeout(5)}, 0, read(1, 12), kFails},
+        {"a missing field is left", sq, {Ok("AT^SIMSQ?", "^SIMSQ: 0")}, 0, read(0, 7)},
+        {"OK without the state", sq, {Ok("AT^SIMSQ?", "")}, -1},
+    }, SimSqInfo{7, 7});
     struct R {
         char eid[AT_EUICC_ID_SIZE];
     };
     const auto query = [](R &r) { return AtEuiccIdQuery(r.eid); };
     const auto becomes = [](std::string eid) { return [eid](R &r) { SetText(r.eid, eid.c_str()); }; };
     const std::string longest(63, '8');
-    RunCommandCases<R>(Cases<R>{
-        {"identifier", query, {Ok("AT^ESIMEID?", std::string("^ESIMEID: ") + kEid).Prefix("").Timeout(5)}, 0, becomes(kEid)},
+    RunRows<R>({
+        {"identifier", query, {Ok("AT^ESIMEID?", std::string("^ESIMEID: ") + kEid).Prefix("").Timeout(5)}, 0, becomes(kEid), kFails},
         {"63 characters fit", query, {Ok("AT^ESIMEID?", "^ESIMEID: " + longest)}, 0, becomes(longest)},
         {"64 characters fail the copy", query, {Ok("AT^ESIMEID?", "^ESIMEID: " + longest + "9")}, -1, becomes("")},
         {"OK without the identifier", query, {Ok("AT^ESIMEID?", "")}, -1},
-    } + ErrorCases<R>("identifier", query, "AT^ESIMEID?", kFails), Filled<R>(0x5A));
-    EXPECT_EQ(AtEuiccIdQuery(nullptr), -1);
+    });
 }
 // clang-format on
 
@@ -96,11 +90,18 @@ TEST(M2mAtsUsim, RestrictedAccessWithPath) {
         }
         std::free(r.response);
     }
-    CrsmPidReq q{};
-    CrsmPidResult r{};
-    EXPECT_EQ(AtCrsmPid(nullptr, &r), -1);
-    EXPECT_EQ(AtCrsmPid(&q, nullptr), -1);
 }
+
+// clang-format off
+TEST(M2mAtsUsim, NullArguments) {
+    static CrsmPidReq request{};
+    static CrsmPidResult result{};
+    ExpectRefused({
+        {"AtSimSqQuery", [] { return AtSimSqQuery(nullptr); }}, {"AtEuiccIdQuery", [] { return AtEuiccIdQuery(nullptr); }},
+        {"AtCrsmPid without a request", [] { return AtCrsmPid(nullptr, &result); }}, {"AtCrsmPid without a result", [] { return AtCrsmPid(&request, nullptr); }},
+    });
+}
+// clang-format on
 
 }  // namespace
 }  // namespace atapi::test

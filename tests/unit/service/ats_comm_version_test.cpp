@@ -22,28 +22,18 @@ std::string VersionReply(const std::string &extd = "WEBUI_12.605.02.00.00",
            "INI:ATS_CFG_1.0.2";
 }
 
+// clang-format off
 void ReadVersions(VersionInfo &v, const char *extd) {
-    SetText(v.extdVersion, extd);
-    SetText(v.exthVersion, "EXTH:ATS5GM01");
-    SetText(v.extsVersion, "EXTS:12.605.02.00.00");
-    SetText(v.iniVersion, "INI:ATS_CFG_1.0.2");
-    SetText(v.extuVersion, "EXTU:ATS-5G100");
-    v.lineCount = 8;
-    v.errorId = 0;
+    SetText(v.extdVersion, extd); SetText(v.exthVersion, "EXTH:ATS5GM01"); SetText(v.extsVersion, "EXTS:12.605.02.00.00");
+    SetText(v.iniVersion, "INI:ATS_CFG_1.0.2"); SetText(v.extuVersion, "EXTU:ATS-5G100"); v.lineCount = 8; v.errorId = 0;
 }
 
 // Every case starts from an empty cache and leaves none behind.
 template <typename Record, typename Call>
 typename CommandCase<Record>::Call Fresh(Call call) {
-    return [call](Record &r) {
-        comm::ResetVersionCache();
-        const int32_t ret = call(r);
-        comm::ResetVersionCache();
-        return ret;
-    };
+    return [call](Record &r) { comm::ResetVersionCache(); const int32_t ret = call(r); comm::ResetVersionCache(); return ret; };
 }
 
-// clang-format off
 TEST(AtsCommVersion, Read) {
     using R = VersionInfo;
     const auto once = Fresh<R>([](R &v) { return AtVersion(&v); });

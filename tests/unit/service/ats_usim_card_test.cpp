@@ -2,8 +2,6 @@
 // scripted modem: the exact line, the records filled from realistic
 // replies, error replies per class, and requests refused before sending.
 #include <cstdlib>
-#include <string>
-#include <vector>
 
 #include "atapi/ats_usim.h"
 #include "error_classes.h"

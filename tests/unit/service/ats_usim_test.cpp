@@ -6,12 +6,7 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <cstring>
-#include <functional>
-#include <optional>
-#include <string>
 #include <tuple>
-#include <vector>
 
 #include "error_classes.h"
 #include "service/ats_usim_internal.h"

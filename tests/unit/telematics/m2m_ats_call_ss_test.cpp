@@ -3,8 +3,6 @@
 // only grow, the forwarding query that fails on any active rule, and the
 // trusted-number list bounded by its count.
 
-#include <string>
-
 #include "atapi/m2m_ats_call.h"
 #include "error_classes.h"
 

@@ -4,7 +4,6 @@
 
 #include "atapi/m2m_ats_call.h"
 
-#include <string>
 #include <tuple>
 
 #include "error_classes.h"

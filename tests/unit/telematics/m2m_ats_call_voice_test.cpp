@@ -2,8 +2,6 @@
 // value or record read back, errorId per reply class (-3 when nothing
 // completed) and the refusals that send nothing.
 
-#include <string>
-
 #include "atapi/m2m_ats_call.h"
 #include "atapi/m2m_ats_voice_call.h"
 #include "error_classes.h"

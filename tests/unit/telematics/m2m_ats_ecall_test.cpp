@@ -3,8 +3,6 @@
 // checks, the IMS configuration read back, the MSD at the line's limit, and
 // errorId that only an OK reply touches.
 
-#include <string>
-
 #include "atapi/m2m_ats_call.h"
 #include "atapi/m2m_ats_voice_call.h"
 #include "error_classes.h"

@@ -6,9 +6,6 @@
 
 #include "atapi/m2m_ats_network.h"
 
-#include <string>
-#include <vector>
-
 #include "error_classes.h"
 
 namespace atapi::test {

@@ -1,9 +1,7 @@
 // Trusted numbers against the scripted modem: the filter's lines and the
 // switches read back, errorId per reply class, and the list filled entry by
 // entry up to the caller's count.
-#include <string>
 #include <utility>
-#include <vector>
 
 #include "atapi/m2m_ats_sms.h"
 #include "error_classes.h"

@@ -4,7 +4,6 @@
 #include "atapi/m2m_ats_usim.h"
 
 #include <cstdlib>
-#include <string>
 #include <tuple>
 
 #include "error_classes.h"

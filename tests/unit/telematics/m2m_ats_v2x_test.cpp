@@ -5,12 +5,8 @@
 
 #include "atapi/m2m_ats_v2x.h"
 
-#include <cstring>
-#include <initializer_list>
-#include <string>
 #include <tuple>
 #include <utility>
-#include <vector>
 
 #include "atapi/at_parse.h"
 #include "error_classes.h"
@@ -48,6 +44,13 @@ ParseRows Row(std::initializer_list<std::pair<const char *, const char *>> field
 }
 
 // clang-format off
+using Fields = std::initializer_list<std::pair<const char *, const char *>>;
+// A walk over one row of the given fields into the records.
+template <typename Fn>
+auto Walk(Fn fn) {
+    return [fn](Fields fields) { return [fn, fields](R &r) { const ParseRows row = Row(fields); return fn(row.Get(), r); }; };
+}
+
 TEST(M2mAtsV2x, CommandsAndTheParseStep) {
     const auto modeCfg = [](int32_t cmdType, int32_t rat, int32_t mode) {
         return [=](R &r) { r.mode = {rat, mode}; const int32_t ret = AtsV2xModeCfg(cmdType, &r.mode); r.mode = {0, 1}; return ret; };
@@ -80,23 +83,15 @@ TEST(M2mAtsV2x, CommandsAndTheParseStep) {
 }
 
 TEST(M2mAtsV2x, ChannelBusyRatioAndSyncSource) {
-    const auto cbr = [](std::initializer_list<std::pair<const char *, const char *>> fields) {
-        return [fields](R &r) { const ParseRows row = Row(fields); return AtsV2xGetCbrInfo(row.Get(), &r.cbr); };
-    };
-    const auto sync = [](std::initializer_list<std::pair<const char *, const char *>> fields) {
-        return [fields](R &r) { const ParseRows row = Row(fields); return AtsV2xGetAccessSyncInfo(row.Get(), &r.sync); };
-    };
+    const auto cbr = Walk([](AtCmdParseNode *n, R &r) { return AtsV2xGetCbrInfo(n, &r.cbr); });
+    const auto sync = Walk([](AtCmdParseNode *n, R &r) { return AtsV2xGetAccessSyncInfo(n, &r.sync); });
     RunRows<R>({
         {"both ratios", cbr({{"cbr-pssch", "30"}, {"cbr-pscch", "45"}}), {}, 0, [](R &r) { r.cbr = {30, 1, 45}; }},
-        {"without cbr-pscch the flag stays", cbr({{"cbr-pssch", "30"}, {"cbr-pscch", nullptr}}), {}, 0,
-         [](R &r) { r.cbr.cbrPssch = 30; }},
+        {"without cbr-pscch the flag stays", cbr({{"cbr-pssch", "30"}, {"cbr-pscch", nullptr}}), {}, 0, [](R &r) { r.cbr.cbrPssch = 30; }},
         {"cbr-pssch without a value", cbr({{"cbr-pssch", nullptr}, {"cbr-pscch", "45"}}), {}, -1},
-        {"a ratio beyond 32 bits", cbr({{"cbr-pssch", "30"}, {"cbr-pscch", "2147483648"}}), {}, -1,
-         [](R &r) { r.cbr.cbrPssch = 30; }},
-        {"sync source", sync({{"source", "1"}, {"state", "0"}, {"earfcn", "54590"}}), {}, 0,
-         [](R &r) { r.sync = {1, 0, 54590}; }},
-        {"sync skips empty nodes", sync({{nullptr, "9"}, {"state", nullptr}, {"earfcn", "-5"}}), {}, 0,
-         [](R &r) { r.sync.earfcn = -5; }},
+        {"a ratio beyond 32 bits", cbr({{"cbr-pssch", "30"}, {"cbr-pscch", "2147483648"}}), {}, -1, [](R &r) { r.cbr.cbrPssch = 30; }},
+        {"sync source", sync({{"source", "1"}, {"state", "0"}, {"earfcn", "54590"}}), {}, 0, [](R &r) { r.sync = {1, 0, 54590}; }},
+        {"sync skips empty nodes", sync({{nullptr, "9"}, {"state", nullptr}, {"earfcn", "-5"}}), {}, 0, [](R &r) { r.sync.earfcn = -5; }},
         {"sync with a bad number", sync({{"source", "99999999999"}}), {}, -1},
     });
     AtsV2xCbrInfo info{};
@@ -106,33 +101,21 @@ TEST(M2mAtsV2x, ChannelBusyRatioAndSyncSource) {
 }
 
 TEST(M2mAtsV2x, CounterWalks) {
-    const auto pdcp = [](std::initializer_list<std::pair<const char *, const char *>> fields) {
-        return [fields](R &r) { const ParseRows row = Row(fields); return v2x::ReadPdcpStats(row.Get(), r.pdcp); };
-    };
-    const auto phy = [](std::initializer_list<std::pair<const char *, const char *>> fields) {
-        return [fields](R &r) { const ParseRows row = Row(fields); return v2x::ReadPhyStats(row.Get(), r.phy); };
-    };
-    const auto rssi = [](std::initializer_list<std::pair<const char *, const char *>> fields) {
-        return [fields](R &r) { const ParseRows row = Row(fields); return v2x::ReadRssi(row.Get(), r.rssi); };
-    };
+    const auto pdcp = Walk([](AtCmdParseNode *n, R &r) { return v2x::ReadPdcpStats(n, r.pdcp); });
+    const auto phy = Walk([](AtCmdParseNode *n, R &r) { return v2x::ReadPhyStats(n, r.phy); });
+    const auto rssi = Walk([](AtCmdParseNode *n, R &r) { return v2x::ReadRssi(n, r.rssi); });
     const auto mode = [](const char *value) {
         return [value](R &r) { const ParseRows row = Row({{"rat", "7"}, {"mode", value}}); return v2x::ReadMode(row.Get(), r.mode); };
     };
     RunRows<R>({
-        {"PDCP", pdcp({{"tx_bytes", "1200"}, {"rx_bytes", "3400"}, {"tx_packets", "12"}, {"rx_packets", "34"}}), {}, 0,
-         [](R &r) { r.pdcp = {1200, 3400, 12, 34}; }},
-        {"PDCP with another field", pdcp({{"tx_bytes", "1"}, {"extra", "5"}, {"rx_packets", "4"}}), {}, 0,
-         [](R &r) { r.pdcp.txBytes = 1; r.pdcp.rxPackets = 4; }},
-        {"PDCP stops at a node without a value", pdcp({{"tx_bytes", "1"}, {"rx_bytes", nullptr}, {"rx_packets", "4"}}), {}, -1,
-         [](R &r) { r.pdcp.txBytes = 1; }},
+        {"PDCP", pdcp({{"tx_bytes", "1200"}, {"rx_bytes", "3400"}, {"tx_packets", "12"}, {"rx_packets", "34"}}), {}, 0, [](R &r) { r.pdcp = {1200, 3400, 12, 34}; }},
+        {"PDCP with another field", pdcp({{"tx_bytes", "1"}, {"extra", "5"}, {"rx_packets", "4"}}), {}, 0, [](R &r) { r.pdcp.txBytes = 1; r.pdcp.rxPackets = 4; }},
+        {"PDCP stops at a node without a value", pdcp({{"tx_bytes", "1"}, {"rx_bytes", nullptr}, {"rx_packets", "4"}}), {}, -1, [](R &r) { r.pdcp.txBytes = 1; }},
         {"PDCP converts before matching", pdcp({{"extra", "9999999999"}, {"tx_bytes", "1"}}), {}, -1},
-        {"physical-layer counters above 2^31", phy({{"FirSADecSucSum", "3000000000"}, {"DSPVersion", "4294967295"}, {"ULPackSum", "-1"}}), {}, 0,
-         [](R &r) { r.phy.firSaDecSucSum = 3000000000u; r.phy.dspVersion = 4294967295u; r.phy.ulPackSum = 4294967295u; }},
-        {"physical-layer counter beyond 32 bits", phy({{"DLPackSum", "7"}, {"ULPackSum", "4294967296"}}), {}, -1,
-         [](R &r) { r.phy.dlPackSum = 7; }},
+        {"physical-layer counters above 2^31", phy({{"FirSADecSucSum", "3000000000"}, {"DSPVersion", "4294967295"}, {"ULPackSum", "-1"}}), {}, 0, [](R &r) { r.phy.firSaDecSucSum = 3000000000u; r.phy.dspVersion = 4294967295u; r.phy.ulPackSum = 4294967295u; }},
+        {"physical-layer counter beyond 32 bits", phy({{"DLPackSum", "7"}, {"ULPackSum", "4294967296"}}), {}, -1, [](R &r) { r.phy.dlPackSum = 7; }},
         {"physical-layer node without a name", phy({{nullptr, "1"}}), {}, -1},
-        {"RSSI", rssi({{"DAMainRSSIMax", "-60"}, {"other", "1"}, {"DADiversityRSSIMax", "-62"}}), {}, 0,
-         [](R &r) { r.rssi = {-60, -62}; }},
+        {"RSSI", rssi({{"DAMainRSSIMax", "-60"}, {"other", "1"}, {"DADiversityRSSIMax", "-62"}}), {}, 0, [](R &r) { r.rssi = {-60, -62}; }},
         {"mode only", mode("1"), {}, 0, [](R &r) { r.mode.mode = 1; }},
         {"mode beyond 32 bits", mode("-2147483649"), {}, -1},
     });

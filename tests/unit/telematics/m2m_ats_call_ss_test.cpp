@@ -9,10 +9,6 @@
 namespace atapi::test {
 namespace {
 
-struct NoRecord {
-    char unused;
-};
-
 // clang-format off
 TEST(M2mAtsCallSs, Presentation) {
     const auto call = [](auto fn) { return [fn](NoRecord &) { return fn(); }; };

@@ -13,10 +13,6 @@ namespace {
 
 constexpr int32_t kUntouched = 0x5A5A5A5A;
 
-struct NoRecord {
-    char unused;
-};
-
 // clang-format off
 TEST(M2mAtsCall, DialAnswerHangUpHold) {
     const auto call = [](auto fn) { return [fn](NoRecord &) { return fn(); }; };

@@ -61,9 +61,6 @@ TEST(M2mAtsCallVoice, Switches) {
 
 TEST(M2mAtsCallVoice, DtmfAndDeltaTable) {
     RunRows<AtDtmfParam>({{"tone", [](AtDtmfParam &r) { return AtDtmf(&r); }, {Ok("AT+VTS=#,300")}, 0, Done<AtDtmfParam>, kToneDone}}, AtDtmfParam{'#', 300, 0});
-    struct NoRecord {
-        char unused;
-    };
     RunRows<NoRecord>({
         {"delta table", [](NoRecord &) { return AtDeltaSet("1,2,3"); }, {Ok("AT^DELTASET=\"1,2,3\"")}, 0, {}, kFails},
         {"no delta table", [](NoRecord &) { return AtDeltaSet(nullptr); }, {}, -1},

@@ -10,10 +10,6 @@
 namespace atapi::test {
 namespace {
 
-struct NoRecord {
-    char unused;
-};
-
 constexpr char kMsd[] = "0123ABCD";
 
 // clang-format off

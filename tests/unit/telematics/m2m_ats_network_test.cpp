@@ -6,33 +6,22 @@
 
 #include "atapi/m2m_ats_network.h"
 
+#include <algorithm>
+
 #include "error_classes.h"
 
 namespace atapi::test {
 namespace {
 
-struct NoRecord {
-    char unused;
-};
-// Every error class fails and leaves errorId at -3 (not completed).
-constexpr Convention kNotCompleted{{-1, AT_ERRID_NOT_COMPLETED},
-                                   {-1, AT_ERRID_NOT_COMPLETED},
-                                   {-1, AT_ERRID_NOT_COMPLETED},
-                                   {-1, AT_ERRID_NOT_COMPLETED},
-                                   {-1, AT_ERRID_NOT_COMPLETED}};
-
-Step Monsc(std::string reply) {
-    return Ok("AT^MONSC", std::move(reply)).Prefix("^MONSC:").Timeout(30);
-}
-Step Monnc(std::string reply) {
-    return Ok("AT^MONNC", std::move(reply)).Prefix("^MONNC:").Timeout(30);
-}
-
-auto Serving(int32_t rat, int32_t arfcn, int32_t cellId, int32_t lac, int32_t errorId) {
-    return [=](MonscInfo &m) { m = {rat, arfcn, cellId, lac, errorId}; };
-}
-
 // clang-format off
+// Every error class fails and leaves errorId at -3 (not completed).
+constexpr ErrorOutcome kPending{-1, AT_ERRID_NOT_COMPLETED};
+constexpr Convention kNotCompleted{kPending, kPending, kPending, kPending, kPending};
+
+Step Monsc(std::string reply) { return Ok("AT^MONSC", std::move(reply)).Prefix("^MONSC:").Timeout(30); }
+Step Monnc(std::string reply) { return Ok("AT^MONNC", std::move(reply)).Prefix("^MONNC:").Timeout(30); }
+auto Serving(int32_t rat, int32_t arfcn, int32_t cellId, int32_t lac, int32_t errorId) { return [=](MonscInfo &m) { m = {rat, arfcn, cellId, lac, errorId}; }; }
+
 TEST(M2mAtsNetwork, ServingCellPerTechnology) {
     const auto get = [](MonscInfo &m) { return AtGetMonsc(&m); };
     RunRows<MonscInfo>({
@@ -66,10 +55,10 @@ std::string Neighbor(int32_t rat, int32_t arfcn) {
     return "^MONNC: " + std::string(kLine[rat][0]) + std::to_string(arfcn) + kLine[rat][1];
 }
 
+// clang-format off
 std::string Lines(const std::vector<MonncNeighbor> &cells) {
     std::string text;
-    for (const MonncNeighbor &c : cells)
-        text += (text.empty() ? "" : "\r\n") + Neighbor(c.rat, c.arfcn);
+    for (const MonncNeighbor &c : cells) text += (text.empty() ? "" : "\r\n") + Neighbor(c.rat, c.arfcn);
     return text;
 }
 
@@ -79,21 +68,15 @@ std::vector<MonncNeighbor> Cells(int32_t rat, int32_t count, int32_t firstArfcn)
     return cells;
 }
 
-std::vector<MonncNeighbor> operator+(std::vector<MonncNeighbor> a,
-                                     const std::vector<MonncNeighbor> &b) {
+std::vector<MonncNeighbor> operator+(std::vector<MonncNeighbor> a, const std::vector<MonncNeighbor> &b) {
     a.insert(a.end(), b.begin(), b.end());
     return a;
 }
 
 auto Listed(const std::vector<MonncNeighbor> &cells) {
-    return [cells](MonncInfo &m) {
-        m = MonncInfo{};
-        m.count = static_cast<uint32_t>(cells.size());
-        for (size_t i = 0; i < cells.size(); ++i) m.neighbors[i] = cells[i];
-    };
+    return [cells](MonncInfo &m) { m = MonncInfo{}; m.count = static_cast<uint32_t>(cells.size()); std::copy(cells.begin(), cells.end(), m.neighbors); };
 }
 
-// clang-format off
 TEST(M2mAtsNetwork, NeighbourCells) {
     const auto get = [](MonncInfo &m) { return AtGetMonnc(&m); };
     std::vector<Row<MonncInfo>> rows;

@@ -100,21 +100,21 @@ constexpr Convention kFalse{{0}, {0}, {0}, {0}, {0}};
 
 // For the calls without a record: the test's record stays as it was.
 template <typename Fn>
-CommandCase<int32_t>::Call NoRecord(Fn fn) {
+CommandCase<int32_t>::Call Bare(Fn fn) {
     return [fn](int32_t &) { return fn(); };
 }
 
 TEST(AtsCommSettings, LockAndRemoteSim) {
     RunRows<int32_t>({
-        {"data lock off", NoRecord(AtQryDatalock), {Ok("AT^DATALOCK?", "^DATALOCK: 0").Prefix("^DATALOCK")}, 0, {}, kLocked},
-        {"data lock on", NoRecord(AtQryDatalock), {Ok("AT^DATALOCK?", "^DATALOCK: 2")}, 1},
-        {"unlock", NoRecord([] { return AtSetDatalock("5678"); }), {Ok("AT^DATALOCK=5678").Prefix("").Timeout(30)}, 0, {}, kFails},
-        {"remote SIM on", NoRecord(AtQryRsim), {Ok("AT^RSIM?", "^RSIM: 1").Prefix("^RSIM")}, 0, {}, kFails},
-        {"remote SIM off", NoRecord(AtQryRsim), {Ok("AT^RSIM?", "^RSIM: 0")}, -1},
-        {"remote SIM without a blank", NoRecord(AtQryRsim), {Ok("AT^RSIM?", "^RSIM:1")}, -1},
-        {"echo", NoRecord(AtMmiEcho), {Ok("AT^MMIECHO=").Prefix("")}, 0, {}, kFails},
-        {"NV configuration", NoRecord(AtActiveNcfg), {Ok("AT^ACTIVENCFG=1")}, 0, {}, kFails},
-        {"NV item 2591", NoRecord([] { const uint32_t value = 3000000000u; return AtSharePdpNvWr(&value); }), {Ok("AT^USERNVWR=2591,4,3000000000 0 0 0").Prefix("")}, 0, {}, kFails},
+        {"data lock off", Bare(AtQryDatalock), {Ok("AT^DATALOCK?", "^DATALOCK: 0").Prefix("^DATALOCK")}, 0, {}, kLocked},
+        {"data lock on", Bare(AtQryDatalock), {Ok("AT^DATALOCK?", "^DATALOCK: 2")}, 1},
+        {"unlock", Bare([] { return AtSetDatalock("5678"); }), {Ok("AT^DATALOCK=5678").Prefix("").Timeout(30)}, 0, {}, kFails},
+        {"remote SIM on", Bare(AtQryRsim), {Ok("AT^RSIM?", "^RSIM: 1").Prefix("^RSIM")}, 0, {}, kFails},
+        {"remote SIM off", Bare(AtQryRsim), {Ok("AT^RSIM?", "^RSIM: 0")}, -1},
+        {"remote SIM without a blank", Bare(AtQryRsim), {Ok("AT^RSIM?", "^RSIM:1")}, -1},
+        {"echo", Bare(AtMmiEcho), {Ok("AT^MMIECHO=").Prefix("")}, 0, {}, kFails},
+        {"NV configuration", Bare(AtActiveNcfg), {Ok("AT^ACTIVENCFG=1")}, 0, {}, kFails},
+        {"NV item 2591", Bare([] { const uint32_t value = 3000000000u; return AtSharePdpNvWr(&value); }), {Ok("AT^USERNVWR=2591,4,3000000000 0 0 0").Prefix("")}, 0, {}, kFails},
     }, 0);
 }
 
@@ -127,7 +127,7 @@ TEST(AtsCommSettings, ProductTypeAndLogPort) {
         {"log port", logPort, {Ok("AT^LOGPORT?", "^LOGPORT: 5").Prefix("^LOGPORT")}, 1, [](uint32_t &t) { t = 5; }, kFalse},
         {"a negative log port", logPort, {Ok("AT^LOGPORT?", "^LOGPORT: -1")}, 0},
     }, kUntouched);
-    const auto setPort = [](uint32_t portType, uint32_t config) { return NoRecord([=] { LogPortSetting s{portType, config}; return AtSetLogPort(&s); }); };
+    const auto setPort = [](uint32_t portType, uint32_t config) { return Bare([=] { LogPortSetting s{portType, config}; return AtSetLogPort(&s); }); };
     RunRows<int32_t>({
         {"set log port", setPort(5, 1), {Ok("AT^LOGPORT=5,1").Prefix("").Timeout(30)}, 0, {}, kFails},
         {"port type 6", setPort(6, 0), {}, -1},

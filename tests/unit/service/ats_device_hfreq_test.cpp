@@ -30,102 +30,61 @@ int32_t RecordNotify(void *ctx, int, uint32_t a, uint32_t b, uint32_t c, uint32_
     return 0;
 }
 
-// The query against one scripted reply; lists and notifications kept.
-struct QueryRun {
-    int32_t ret;
-    std::vector<Band> lte;
-    std::vector<Band> nr;
-    std::vector<std::array<uint32_t, 4>> notified;
-};
-
-QueryRun Query(Step step) {
-    QueryRun run;
-    PlatformSetNotifySink(RecordNotify, &run.notified);
-    {
-        IsolatedRuntime runtime;
-        ScriptedModem modem(runtime, {std::move(step)});
-        HfreqInfoResult r{reinterpret_cast<HfreqBandInfo *>(1), nullptr};  // not freed
-        run.ret = AtHfreqHandle(AT_DEVICE_QUERY, nullptr, &r);
-        modem.Verify();
-        run.lte = Bands(r.lteList);
-        run.nr = Bands(r.nrList);
-        HfreqInfoExFree(&r);
-        EXPECT_EQ(r.lteList, nullptr);
-        EXPECT_EQ(r.nrList, nullptr);
-    }
-    PlatformSetNotifySink(nullptr, nullptr);
-    return run;
-}
-
 constexpr char kLteLine[] = "^HFREQINFO: 1,6,3,1300,18300,200,19300,17350,200";
-constexpr char kLteCarrierAggregation[] =
-    "^HFREQINFO: 1,6,3,1300,18300,200,19300,17350,200,7,3100,26550,100,21100,25550,100";
 constexpr char kNrLine[] =
     "^HFREQINFO: 1,7,78,636666,35500,1000,636666,35500,1000,259,2079167,275000,1000,2079167,"
     "275000,1000";
 
+// clang-format off
 TEST(AtsDeviceHfreq, Query) {
-    const QueryRun both =
-        Query(Ok("AT^HFREQINFO?", std::string(kLteLine) + "\r\n" + kNrLine).Prefix("^HFREQINFO"));
-    EXPECT_EQ(both.ret, 0);
-    EXPECT_EQ(both.lte, (std::vector<Band>{{1, 6, 3, 1300, 18300, 200, 19300, 17350, 200}}));
-    // 259 is no NR band class the module may name: stored as 0, not announced.
-    EXPECT_EQ(both.nr,
-              (std::vector<Band>{{1, 7, 78, 636666, 35500, 1000, 636666, 35500, 1000},
-                                 {1, 7, 0, 2079167, 275000, 1000, 2079167, 275000, 1000}}));
-    EXPECT_EQ(both.notified, (std::vector<std::array<uint32_t, 4>>{{14, 14055, 78, 0}}));
-
-    const QueryRun ca = Query(Ok("AT^HFREQINFO?", kLteCarrierAggregation));
-    EXPECT_EQ(ca.ret, 0);
-    EXPECT_EQ(ca.lte, (std::vector<Band>{{1, 6, 3, 1300, 18300, 200, 19300, 17350, 200},
-                                         {1, 6, 7, 3100, 26550, 100, 21100, 25550, 100}}));
-    EXPECT_TRUE(ca.nr.empty());
-    EXPECT_TRUE(ca.notified.empty());
-
-    // A band cut short keeps zeros behind its last value.
-    const QueryRun partial = Query(Ok("AT^HFREQINFO?", "^HFREQINFO: 0,7,261,2229166"));
-    EXPECT_EQ(partial.ret, 0);
-    EXPECT_EQ(partial.nr, (std::vector<Band>{{0, 7, 261, 2229166, 0, 0, 0, 0, 0}}));
-    EXPECT_EQ(partial.notified, (std::vector<std::array<uint32_t, 4>>{{14, 14055, 261, 0}}));
-}
-
-TEST(AtsDeviceHfreq, LinesNotKept) {
-    const QueryRun other = Query(Ok("AT^HFREQINFO?", "^HFREQINFO: 1,4,1,10700,21400,50"));
-    EXPECT_EQ(other.ret, 0);
-    EXPECT_TRUE(other.lte.empty());
-    EXPECT_TRUE(other.nr.empty());
-
-    // A failing second line frees the first line's list too.
-    const QueryRun badSwitch =
-        Query(Ok("AT^HFREQINFO?", std::string(kLteLine) + "\r\n^HFREQINFO: 2,7,78"));
-    EXPECT_EQ(badSwitch.ret, -1);
-    EXPECT_TRUE(badSwitch.lte.empty());
-
-    const QueryRun refused = Query(Fails("AT^HFREQINFO?", AT_RET_CME_ERROR, "+CME ERROR: 4"));
-    EXPECT_EQ(refused.ret, -1);
-    EXPECT_TRUE(refused.lte.empty() && refused.nr.empty());
-
-    const QueryRun noColon = Query(Ok("AT^HFREQINFO?", "^HFREQINFO 1,6"));
-    EXPECT_EQ(noColon.ret, -1);
-}
-
-TEST(AtsDeviceHfreq, SetAndRefusals) {
-    const int32_t on = 1;
-    HfreqInfoResult r{};
-    {
+    using Notified = std::vector<std::array<uint32_t, 4>>;
+    struct Case {
+        const char *name;
+        Step step;
+        int32_t ret;
+        std::vector<Band> lte, nr;
+        Notified notified;
+    };
+    const Band lte3{1, 6, 3, 1300, 18300, 200, 19300, 17350, 200};
+    const Case cases[] = {
+        // 259 is no NR band class the module may name: stored as 0, not announced.
+        {"LTE and NR", Ok("AT^HFREQINFO?", std::string(kLteLine) + "\r\n" + kNrLine).Prefix("^HFREQINFO"), 0, {lte3},
+         {{1, 7, 78, 636666, 35500, 1000, 636666, 35500, 1000}, {1, 7, 0, 2079167, 275000, 1000, 2079167, 275000, 1000}}, {{14, 14055, 78, 0}}},
+        {"carrier aggregation", Ok("AT^HFREQINFO?", std::string(kLteLine) + ",7,3100,26550,100,21100,25550,100"), 0,
+         {lte3, {1, 6, 7, 3100, 26550, 100, 21100, 25550, 100}}, {}, {}},
+        {"a band cut short keeps zeros behind its last value", Ok("AT^HFREQINFO?", "^HFREQINFO: 0,7,261,2229166"), 0, {}, {{0, 7, 261, 2229166, 0, 0, 0, 0, 0}}, {{14, 14055, 261, 0}}},
+        {"another technology is not kept", Ok("AT^HFREQINFO?", "^HFREQINFO: 1,4,1,10700,21400,50"), 0, {}, {}, {}},
+        {"a failing second line frees the first line's list too", Ok("AT^HFREQINFO?", std::string(kLteLine) + "\r\n^HFREQINFO: 2,7,78"), -1, {}, {}, {}},
+        {"an error reply", Fails("AT^HFREQINFO?", AT_RET_CME_ERROR, "+CME ERROR: 4"), -1, {}, {}, {}},
+        {"no colon", Ok("AT^HFREQINFO?", "^HFREQINFO 1,6"), -1, {}, {}, {}},
+    };
+    for (const Case &c : cases) {
+        SCOPED_TRACE(c.name);
+        Notified notified;
+        PlatformSetNotifySink(RecordNotify, &notified);
         IsolatedRuntime runtime;
-        ScriptedModem modem(runtime, {Ok("AT^HFREQINFO=1").Prefix(""),
-                                      Fails("AT^HFREQINFO=0", AT_RET_ERROR, "ERROR")});
-        EXPECT_EQ(AtHfreqHandle(AT_DEVICE_SET, &on, nullptr), 0);
-        EXPECT_EQ(AtHfreqInfo(AT_DEVICE_SET, 0, nullptr), -1);
+        ScriptedModem modem(runtime, {c.step});
+        HfreqInfoResult r{reinterpret_cast<HfreqBandInfo *>(1), nullptr};  // not freed
+        EXPECT_EQ(AtHfreqHandle(AT_DEVICE_QUERY, nullptr, &r), c.ret);
         modem.Verify();
+        PlatformSetNotifySink(nullptr, nullptr);
+        EXPECT_EQ(Bands(r.lteList), c.lte);
+        EXPECT_EQ(Bands(r.nrList), c.nr);
+        EXPECT_EQ(notified, c.notified);
+        HfreqInfoExFree(&r);
+        EXPECT_EQ(r.lteList, nullptr);
+        EXPECT_EQ(r.nrList, nullptr);
     }
+}
+// clang-format on
+
+TEST(AtsDeviceHfreq, Set) {
+    const int32_t on = 1;
     IsolatedRuntime runtime;
-    ScriptedModem modem(runtime);  // nothing may be sent
-    EXPECT_EQ(AtHfreqHandle(AT_DEVICE_TEST, &on, &r), -1);
-    EXPECT_EQ(AtHfreqHandle(AT_DEVICE_SET, nullptr, &r), -1);
-    EXPECT_EQ(AtHfreqHandle(AT_DEVICE_QUERY, &on, nullptr), -1);
-    EXPECT_EQ(AtHfreqInfo(AT_DEVICE_QUERY, 0, nullptr), -1);
+    ScriptedModem modem(
+        runtime, {Ok("AT^HFREQINFO=1").Prefix(""), Fails("AT^HFREQINFO=0", AT_RET_ERROR, "ERROR")});
+    EXPECT_EQ(AtHfreqHandle(AT_DEVICE_SET, &on, nullptr), 0);
+    EXPECT_EQ(AtHfreqInfo(AT_DEVICE_SET, 0, nullptr), -1);
     modem.Verify();
 }
 

@@ -2,8 +2,6 @@
 // scripted modem: the exact line, the records filled from realistic
 // replies, error replies per class, and requests refused before sending.
 #include <cstdlib>
-#include <string>
-#include <vector>
 
 #include "atapi/ats_usim.h"
 #include "error_classes.h"
@@ -11,89 +9,75 @@
 namespace atapi::test {
 namespace {
 
-constexpr unsigned char kFill = 0x5A;
-
 // clang-format off
 TEST(AtsUsimCard, SubscriberNumbers) {
-    struct Number {
-        std::string name, num;
-        uint32_t type;
-        bool operator==(const Number &) const = default;
+    // The list as the call leaves it: count, errorId and the entries as text.
+    struct Numbers {
+        int32_t count, errorId;
+        char text[128];
     };
-    struct Case {
-        const char *name;
-        Step step;
-        int32_t result, count, errorId;
-        std::vector<Number> numbers;
-    };
-    const Case cases[] = {
-        {"two numbers", Ok("AT+CNUM", "+CNUM: \"Voice\",\"+491701234567\",145\r\n+CNUM: \"\",\"01701234567\",129").Prefix("+CNUM").Timeout(5),
-         0, 2, AT_ERRID_OK, {{"Voice", "+491701234567", 145}, {"", "01701234567", 129}}},
-        {"no number stored", Ok("AT+CNUM"), 0, kFill, AT_ERRID_OK, {}},
-        {"a name longer than its field", Ok("AT+CNUM", "+CNUM: \"" + std::string(90, 'N') + "\",\"+491701234567\",145"), -1, 0, AT_ERRID_OK, {}},
-        {"a reply without +CNUM", Ok("AT+CNUM", "OK"), -1, 0, AT_ERRID_OK, {}},
-        // An exchange of its own: +CME/+CMS are done with their id, the others fail.
-        {"+CME ERROR", Fails("AT+CNUM", AT_RET_CME_ERROR, "+CME ERROR: 10"), 0, kFill, kCme10, {}},
-        {"+CMS ERROR", Fails("AT+CNUM", AT_RET_CMS_ERROR, "+CMS ERROR: 316"), 0, kFill, kCms316, {}},
-        {"ERROR", Fails("AT+CNUM", AT_RET_ERROR, "ERROR"), -1, kFill, kFill, {}},
-        {"AT_ABORTED", Fails("AT+CNUM", AT_RET_ABORTED, "AT_ABORTED"), -1, kFill, kFill, {}},
-        {"a lost exchange", ExchangeFails("AT+CNUM"), -1, kFill, kFill, {}},
-    };
-    for (const Case &c : cases) {
-        SCOPED_TRACE(c.name);
-        IsolatedRuntime runtime;
-        ScriptedModem modem(runtime, {c.step});
-        CnumList l{nullptr, kFill, kFill};
-        EXPECT_EQ(AtCnumQuery(&l), c.result);
-        modem.Verify();
-        EXPECT_EQ(l.count, c.count);
-        EXPECT_EQ(l.errorId, c.errorId);
-        std::vector<Number> numbers;
-        for (int32_t i = 0; l.entries != nullptr && i < l.count; ++i) numbers.push_back({l.entries[i].name, l.entries[i].num, l.entries[i].type});
-        EXPECT_EQ(numbers, c.numbers);
+    const auto query = [](Numbers &n) {
+        CnumList l{nullptr, n.count, n.errorId};
+        const int32_t ret = AtCnumQuery(&l);
+        std::string text;
+        for (int32_t i = 0; l.entries != nullptr && i < l.count; ++i) text += std::string(l.entries[i].name) + "," + l.entries[i].num + "," + std::to_string(l.entries[i].type) + ";";
         std::free(l.entries);
-    }
-    EXPECT_EQ(AtCnumQuery(nullptr), -1);
+        n.count = l.count; n.errorId = l.errorId; SetText(n.text, text.c_str());
+        return ret;
+    };
+    const auto listed = [](int32_t count, const char *text) { return [=](Numbers &n) { n.count = count; SetText(n.text, text); Done(n); }; };
+    RunRows<Numbers>({
+        {"two numbers", query, {Ok("AT+CNUM", "+CNUM: \"Voice\",\"+491701234567\",145\r\n+CNUM: \"\",\"01701234567\",129").Prefix("+CNUM").Timeout(5)}, 0,
+         listed(2, "Voice,+491701234567,145;,01701234567,129;"), kOwnDone},
+        {"no number stored", query, {Ok("AT+CNUM")}, 0, Done<Numbers>},
+        {"a name longer than its field", query, {Ok("AT+CNUM", "+CNUM: \"" + std::string(90, 'N') + "\",\"+491701234567\",145")}, -1, listed(0, "")},
+        {"a reply without +CNUM", query, {Ok("AT+CNUM", "OK")}, -1, listed(0, "")},
+    }, Numbers{0x5A, 0x5A, ""});
 }
 
 TEST(AtsUsimCard, Apdu) {
-    CsimInfo preset = Filled<CsimInfo>(kFill);
+    CsimInfo preset = Filled<CsimInfo>(0x5A);
     preset.length = 14;
     SetText(preset.command, "00A40004023F00");
-    const auto send = [](CsimInfo &c) { return AtCsim(&c); };
     const auto withLength = [](uint32_t length) { return [length](CsimInfo &c) { c.length = length; return AtCsim(&c); }; };
-    const char *line = "AT+CSIM=14,\"00A40004023F00\"";
-    RunCommandCases<CsimInfo>(Cases<CsimInfo>{
-        {"select MF", send, {Ok(line, "+CSIM: 4,\"9000\"").Prefix("+CSIM").Timeout(30)}, 0,
-         [](CsimInfo &c) { c.rspLength = 4; SetText(c.response, "9000"); c.errorId = AT_ERRID_OK; }},
+    RunRows<CsimInfo>({
+        {"select MF", [](CsimInfo &c) { return AtCsim(&c); }, {Ok("AT+CSIM=14,\"00A40004023F00\"", "+CSIM: 4,\"9000\"").Prefix("+CSIM").Timeout(30)}, 0,
+         [](CsimInfo &c) { c.rspLength = 4; SetText(c.response, "9000"); Done(c); }, kListClass},
         {"length 9 is refused", withLength(9), {}, -1, [](CsimInfo &c) { c.length = 9; }},
         {"length 521 is refused", withLength(521), {}, -1, [](CsimInfo &c) { c.length = 521; }},
-    } + ErrorCases<CsimInfo>("APDU", send, line, kListClass, &CsimInfo::errorId), preset);
-    CsimInfo unterminated = Filled<CsimInfo>('0');
-    unterminated.length = 10;
-    EXPECT_EQ(AtCsim(&unterminated), -1);
-    EXPECT_EQ(AtCsim(nullptr), -1);
+    }, preset);
+    RunRows<CsimInfo>({{"a command without a terminator is refused", [](CsimInfo &c) { return AtCsim(&c); }, {}, -1}}, [] {
+        CsimInfo c = Filled<CsimInfo>('0');
+        c.length = 10;
+        return c;
+    }());
 }
 
 TEST(AtsUsimCard, SlotsAndCardType) {
-    const auto slot = [](HvsstRequest &r) { return AtHvsstSet(&r); };
-    RunCommandCases<HvsstRequest>(Cases<HvsstRequest>{
-        {"slot on", slot, {Ok("AT^HVSST=1,1").Prefix("")}, 0, [](HvsstRequest &r) { r.errorId = AT_ERRID_OK; }},
-    } + ErrorCases<HvsstRequest>("slot", slot, "AT^HVSST=1,1", kSimple, &HvsstRequest::errorId), HvsstRequest{1, 1, kFill});
-    const auto query = [](SimSwitchInfo &s) { return AtSimSwitch(AT_SIMSWITCH_QUERY, &s); };
-    RunCommandCases<SimSwitchInfo>(Cases<SimSwitchInfo>{
-        {"active SIM", query, {Ok("AT^SIMSWITCH?", "^SIMSWITCH: 1").Prefix("^SIMSWITCH:")}, 0, [](SimSwitchInfo &s) { s = {1, AT_ERRID_OK}; }},
-        {"select SIM 2", [](SimSwitchInfo &s) { s.simType = 2; return AtSimSwitch(AT_SIMSWITCH_SET, &s); }, {Ok("AT^SIMSWITCH=2")}, 0,
-         [](SimSwitchInfo &s) { s = {2, AT_ERRID_OK}; }},
+    RunRows<HvsstRequest>({{"slot on", [](HvsstRequest &r) { return AtHvsstSet(&r); }, {Ok("AT^HVSST=1,1").Prefix("")}, 0, Done<HvsstRequest>, kSimple}}, HvsstRequest{1, 1, 0x5A});
+    RunRows<SimSwitchInfo>({
+        {"active SIM", [](SimSwitchInfo &s) { return AtSimSwitch(AT_SIMSWITCH_QUERY, &s); }, {Ok("AT^SIMSWITCH?", "^SIMSWITCH: 1").Prefix("^SIMSWITCH:")}, 0, [](SimSwitchInfo &s) { s = {1, AT_ERRID_OK}; }, kListClass},
+        {"select SIM 2", [](SimSwitchInfo &s) { s.simType = 2; return AtSimSwitch(AT_SIMSWITCH_SET, &s); }, {Ok("AT^SIMSWITCH=2")}, 0, [](SimSwitchInfo &s) { s = {2, AT_ERRID_OK}; }},
         {"another op", [](SimSwitchInfo &s) { return AtSimSwitch(2, &s); }, {}, -1},
-    } + ErrorCases<SimSwitchInfo>("active SIM", query, "AT^SIMSWITCH?", kListClass, &SimSwitchInfo::errorId), Filled<SimSwitchInfo>(kFill));
-    const auto type = [](CardTypeInfo &c) { return AtCardType(&c); };
-    RunCommandCases<CardTypeInfo>(Cases<CardTypeInfo>{
-        {"USIM with GSM", type, {Ok("AT^CARDTYPE?", "^CARDTYPE: 2,0,1").Prefix("^CARDTYPE")}, 0, [](CardTypeInfo &c) { c = {2, 0, 1, AT_ERRID_OK}; }},
-    } + ErrorCases<CardTypeInfo>("card type", type, "AT^CARDTYPE?", kListClass, &CardTypeInfo::errorId), Filled<CardTypeInfo>(kFill));
-    EXPECT_EQ(AtHvsstSet(nullptr), -1);
-    EXPECT_EQ(AtSimSwitch(AT_SIMSWITCH_QUERY, nullptr), -1);
-    EXPECT_EQ(AtCardType(nullptr), -1);
+    });
+    RunRows<CardTypeInfo>({{"USIM with GSM", [](CardTypeInfo &c) { return AtCardType(&c); }, {Ok("AT^CARDTYPE?", "^CARDTYPE: 2,0,1").Prefix("^CARDTYPE")}, 0,
+                            [](CardTypeInfo &c) { c = {2, 0, 1, AT_ERRID_OK}; }, kListClass}});
+}
+
+// Every function of the family refuses a missing argument before sending.
+TEST(AtsUsim, NullArguments) {
+    static CrsmRequest request{};
+    static CrsmResult result{};
+    ExpectRefused({
+        {"AtCrsm without a request", [] { return AtCrsm(nullptr, &result); }}, {"AtCrsm without a result", [] { return AtCrsm(&request, nullptr); }},
+        {"AtGetIccidByCrsm", [] { return AtGetIccidByCrsm(nullptr); }}, {"AtAphPlmnByCrsm", [] { return AtAphPlmnByCrsm(nullptr); }},
+        {"AtGetSpnByCrsm", [] { return AtGetSpnByCrsm(nullptr, 8); }}, {"AtGetSimGid", [] { return AtGetSimGid(nullptr, 8); }},
+        {"AtGetSimApn", [] { return AtGetSimApn(nullptr); }}, {"AtCnumQuery", [] { return AtCnumQuery(nullptr); }},
+        {"AtCsim", [] { return AtCsim(nullptr); }}, {"AtHvsstSet", [] { return AtHvsstSet(nullptr); }},
+        {"AtSimSwitch", [] { return AtSimSwitch(AT_SIMSWITCH_QUERY, nullptr); }}, {"AtCardType", [] { return AtCardType(nullptr); }},
+        // Returns nothing: it must neither write nor send.
+        {"AtGetEfspdiPlmn", [] { AtGetEfspdiPlmn(nullptr, 8); return -1; }},
+    });
 }
 // clang-format on
 

@@ -14,58 +14,62 @@ namespace {
 
 using namespace atapi::usim;
 
-struct TextCase {
-    const char *name;
-    const char *hex;
-    bool ok;
-    std::string text;
-};
-
-// clang-format off
-TEST(AtsUsimDecode, Iccid) {
-    const std::string tooLong(66, '8');
-    const std::string fullWidth(64, '8');  // 64 digits leave no room for the terminator
-    const TextCase cases[] = {
-        {"19 digits: nibbles swapped, filler dropped", "989420021032547698F7", true, "8949022001234567897"},
-        {"20 digits", "98101430121181157002", true, "89014103211118510720"},
-        {"filler only", "FFFF", true, ""},
-        {"filler inside is kept", "F9F8", true, "9F8"},
-        {"odd length", "989420021032547698F", false, ""},
-        {"empty", "", false, ""},
-        {"longer than 64", tooLong.c_str(), false, ""},
-        {"64 digits", fullWidth.c_str(), false, ""},
-        {"no text", nullptr, false, ""},
-    };
-    for (const TextCase &c : cases) {
-        SCOPED_TRACE(c.name);
-        char out[64] = "x";
-        EXPECT_EQ(IccidFromBcd(c.hex, out, sizeof out), c.ok);
-        EXPECT_EQ(std::string(out), c.text);
-    }
-    char small[8];
-    EXPECT_FALSE(IccidFromBcd("989420021032547698F7", small, sizeof small));
+// The SPDI decoder on the bytes of a hex text.
+bool Spdi(const char *hex, char *out, size_t size) {
+    unsigned char bytes[64];
+    const int32_t n = HexToBytes(hex, bytes, sizeof bytes);
+    return n >= 0 && AppendSpdiPlmns(bytes, static_cast<size_t>(n), out, size);
 }
 
-TEST(AtsUsimDecode, Spn) {
-    const TextCase cases[] = {
-        {"padded with 0xFF", "01566F6461666F6E65FFFFFFFFFFFFFFFF", true, "Vodafone"},
-        {"another display condition", "0054656C656B6F6DFFFFFFFFFFFFFFFFFF", true, "Telekom"},
-        {"bytes outside ASCII", "0141FE42FF", true, "A?B"},
-        {"display byte only", "00", true, ""},
-        {"odd length", "01566", false, ""},
-        {"not hex", "01566G", false, ""},
-        {"empty", "", false, ""},
-        {"no text", nullptr, false, ""},
+// clang-format off
+// Hex into text, each decoder on an output that starts as "x".
+TEST(AtsUsimDecode, TextsFromHex) {
+    struct Case {
+        const char *name;
+        bool (*decode)(const char *, char *, size_t);
+        const char *hex;
+        size_t size;
+        bool ok;
+        std::string text;
     };
-    for (const TextCase &c : cases) {
+    const std::string tooLong(66, '8');
+    const std::string fullWidth(64, '8');  // 64 digits leave no room for the terminator
+    const Case cases[] = {
+        {"ICCID of 19 digits: nibbles swapped, filler dropped", IccidFromBcd, "989420021032547698F7", 64, true, "8949022001234567897"},
+        {"ICCID of 20 digits", IccidFromBcd, "98101430121181157002", 64, true, "89014103211118510720"},
+        {"ICCID filler only", IccidFromBcd, "FFFF", 64, true, ""},
+        {"ICCID filler inside is kept", IccidFromBcd, "F9F8", 64, true, "9F8"},
+        {"ICCID of odd length", IccidFromBcd, "989420021032547698F", 64, false, ""},
+        {"ICCID empty", IccidFromBcd, "", 64, false, ""},
+        {"ICCID longer than 64", IccidFromBcd, tooLong.c_str(), 64, false, ""},
+        {"ICCID of 64 digits", IccidFromBcd, fullWidth.c_str(), 64, false, ""},
+        {"ICCID larger than the output", IccidFromBcd, "989420021032547698F7", 8, false, ""},
+        {"ICCID without text", IccidFromBcd, nullptr, 64, false, ""},
+        {"SPN padded with 0xFF", SpnFromHex, "01566F6461666F6E65FFFFFFFFFFFFFFFF", 32, true, "Vodafone"},
+        {"SPN of another display condition", SpnFromHex, "0054656C656B6F6DFFFFFFFFFFFFFFFFFF", 32, true, "Telekom"},
+        {"SPN bytes outside ASCII", SpnFromHex, "0141FE42FF", 32, true, "A?B"},
+        {"SPN display byte only", SpnFromHex, "00", 32, true, ""},
+        {"SPN of odd length", SpnFromHex, "01566", 32, false, ""},
+        {"SPN not hex", SpnFromHex, "01566G", 32, false, ""},
+        {"SPN empty", SpnFromHex, "", 32, false, ""},
+        {"SPN larger than the output", SpnFromHex, "01566F6461666F6E65FF", 5, false, ""},
+        {"SPN without text", SpnFromHex, nullptr, 32, false, ""},
+        {"SPDI of three PLMNs", Spdi, "A30B800964F01062F210130062FFFFFF", 32, true, "x 46001 26201 310260"},
+        {"SPDI: an unused entry ends the list", Spdi, "A30E800C64F010FFFFFF62F210130062", 32, true, "x 46001"},
+        {"SPDI: outer length past the end", Spdi, "A33080FF64F01062F2", 32, true, "x 46001"},
+        {"SPDI: outer length decides, not the list's", Spdi, "A306800964F01062F210130062", 32, true, "x 46001 26201"},
+        {"SPDI: an entry that does not fit its text is skipped", Spdi, "A3098009EF0FFF62F210", 32, true, "x 26201"},
+        {"SPDI appends while it fits", Spdi, "A30B800964F01062F210130062", 9, true, "x 46001"},
+        {"not an SPDI file", Spdi, "A20B800964F010", 32, false, "x"},
+        {"SPDI without the PLMN list tag", Spdi, "A30B810964F010", 32, false, "x"},
+        {"SPDI shorter than its header", Spdi, "A30B80", 32, false, "x"},
+    };
+    for (const Case &c : cases) {
         SCOPED_TRACE(c.name);
-        char out[32] = "x";
-        EXPECT_EQ(SpnFromHex(c.hex, out, sizeof out), c.ok);
+        char out[64] = "x";
+        EXPECT_EQ(c.decode(c.hex, out, c.size), c.ok);
         EXPECT_EQ(std::string(out), c.text);
     }
-    char small[5] = "x";
-    EXPECT_FALSE(SpnFromHex("01566F6461666F6E65FF", small, sizeof small));
-    EXPECT_EQ(std::string(small), "");
 }
 
 TEST(AtsUsimDecode, PlmnId) {
@@ -103,35 +107,6 @@ TEST(AtsUsimDecode, HexToBytes) {
     EXPECT_EQ(HexToBytes("", bytes, sizeof bytes), 0);
     for (const char *bad : {"A30", "G0", "0x", "A3 0", "0102030405"}) EXPECT_EQ(HexToBytes(bad, bytes, sizeof bytes), -1) << bad;
     EXPECT_EQ(HexToBytes(nullptr, bytes, sizeof bytes), -1);
-}
-
-TEST(AtsUsimDecode, SpdiPlmns) {
-    struct Case {
-        const char *name, *hex;
-        size_t size;
-        bool ok;
-        std::string text;  // out starts as "x"
-    };
-    const Case cases[] = {
-        {"three PLMNs", "A30B800964F01062F210130062FFFFFF", 32, true, "x 46001 26201 310260"},
-        {"an unused entry ends the list", "A30E800C64F010FFFFFF62F210130062", 32, true, "x 46001"},
-        {"outer length past the end", "A33080FF64F01062F2", 32, true, "x 46001"},
-        {"outer length decides, not the list's", "A306800964F01062F210130062", 32, true, "x 46001 26201"},
-        {"an entry that does not fit its text is skipped", "A3098009EF0FFF62F210", 32, true, "x 26201"},
-        {"appends while it fits", "A30B800964F01062F210130062", 9, true, "x 46001"},
-        {"not an SPDI file", "A20B800964F010", 32, false, "x"},
-        {"no PLMN list tag", "A30B810964F010", 32, false, "x"},
-        {"shorter than its header", "A30B80", 32, false, "x"},
-    };
-    for (const Case &c : cases) {
-        SCOPED_TRACE(c.name);
-        unsigned char bytes[64];
-        const int32_t n = HexToBytes(c.hex, bytes, sizeof bytes);
-        ASSERT_GE(n, 0);
-        char out[32] = "x";
-        EXPECT_EQ(AppendSpdiPlmns(bytes, static_cast<size_t>(n), out, c.size), c.ok);
-        EXPECT_EQ(std::string(out), c.text);
-    }
 }
 
 TEST(AtsUsimDecode, MncLength) {

@@ -152,22 +152,29 @@ void PutLog() {
     }
 }
 
+// One parse of a copy of reply: its status, rows, the copy where the parse
+// changed it, and its log lines.
+template <typename Parse>
+void PutParse(const std::string &reply, Parse parse) {
+    std::string work = reply;
+    AtCmdParseNode *out = nullptr;
+    Put(" " + std::to_string(parse(&out, work.data())));
+    PutRows(out);
+    if (work != reply) {
+        Put(" reply");
+        PutEscaped(work.c_str());
+    }
+    PutLog();
+    FreeAtCmd(out);
+}
+
 void RunRoutine(const char *label, AtParseFn parse, const std::string &atTemplate,
                 const std::string &prefix, const std::string &reply) {
     Put(label);
     Sweep([&] {
-        std::string work = reply;
-        AtCmdParseNode *out = nullptr;
-        const int32_t status = parse(&out, atTemplate.c_str(), work.data(), prefix.c_str());
-        Put(" ");
-        Put(std::to_string(status));
-        PutRows(out);
-        if (work != reply) {
-            Put(" reply");
-            PutEscaped(work.c_str());
-        }
-        PutLog();
-        FreeAtCmd(out);
+        PutParse(reply, [&](AtCmdParseNode **out, char *work) {
+            return parse(out, atTemplate.c_str(), work, prefix.c_str());
+        });
     });
 }
 
@@ -241,17 +248,9 @@ void RunDispatch(const char *atName, const std::vector<std::string> &replies, in
             Put(" ");
             PutEscaped(reply.c_str());
             Sweep([&] {
-                std::string work = reply;
-                AtCmdParseNode *out = nullptr;
-                Put(" " +
-                    std::to_string(ParseAtCmdFunc(&out, atName, work.data(), moduleId, mode)));
-                PutRows(out);
-                if (work != reply) {
-                    Put(" reply");
-                    PutEscaped(work.c_str());
-                }
-                PutLog();
-                FreeAtCmd(out);
+                PutParse(reply, [&](AtCmdParseNode **out, char *work) {
+                    return ParseAtCmdFunc(out, atName, work, moduleId, mode);
+                });
             });
         }
         Flush();

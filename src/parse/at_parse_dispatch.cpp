@@ -83,7 +83,7 @@ int32_t ParseAtCmdFunc(AtCmdParseNode **out, const char *atName, char *replyText
                        uint32_t mode) {
     if (atName == nullptr) return AT_PARSE_NO_ENTRY;
     if (out == nullptr || replyText == nullptr) return AT_PARSE_BAD_ARG;
-    AT_LOG_INFO("atName=%s\n", atName);
+    AT_LOG_INFO_HOT("atName=%s\n", atName);
 
     const atapi::RowIndex *rows = Modules().Find(moduleId);
     if (rows == nullptr) return AT_PARSE_BAD_ARG;
@@ -92,7 +92,7 @@ int32_t ParseAtCmdFunc(AtCmdParseNode **out, const char *atName, char *replyText
     if (mode >= AT_PARSE_MODE_COUNT || entry->parseFn[mode] == nullptr) return AT_PARSE_BAD_MODE;
 
     const int32_t status = entry->parseFn[mode](out, entry->atTemplate[mode], replyText, atName);
-    if (mode == AT_PARSE_QUERY) AT_LOG_INFO("atName=%s and ret=%d\n", atName, status);
+    if (mode == AT_PARSE_QUERY) AT_LOG_INFO_HOT("atName=%s and ret=%d\n", atName, status);
     return status;
 }
 

@@ -1,6 +1,6 @@
-// The word-wise wipe covers exactly the bytes asked for, and a trace line
-// that nobody would see is not even formatted, while a sink still gets every
-// line.
+// The word-wise wipe covers exactly the bytes asked for, and a hot-path trace
+// line that nobody would see is not even formatted, while a sink still gets
+// every line.
 
 #include <gtest/gtest.h>
 
@@ -34,19 +34,19 @@ int Counted(int *calls) { return ++*calls; }
 TEST(TraceGate, DroppedLinesAreNotFormatted) {
     int calls = 0;
     PlatformSetLogThreshold(TRACE_LEVEL_ERROR);
-    AT_LOG_INFO("dropped %d\n", Counted(&calls));
+    AT_LOG_INFO_HOT("dropped %d\n", Counted(&calls));
     EXPECT_EQ(calls, 0);
     {
         atapi::test::TraceCapture capture;
-        AT_LOG_DETAIL("seen %d\n", Counted(&calls));
+        AT_LOG_INFO_HOT("seen %d\n", Counted(&calls));
         EXPECT_EQ(calls, 1);
         EXPECT_TRUE(capture.Contains("seen 1"));
     }
-    AT_LOG_INFO("dropped again %d\n", Counted(&calls));
+    AT_LOG_INFO_HOT("dropped again %d\n", Counted(&calls));
     EXPECT_EQ(calls, 1);
     PlatformSetLogThreshold(TRACE_LEVEL_INFO);
     testing::internal::CaptureStderr();
-    AT_LOG_INFO("shown %d\n", Counted(&calls));
+    AT_LOG_INFO_HOT("shown %d\n", Counted(&calls));
     EXPECT_NE(testing::internal::GetCapturedStderr().find("shown 2"), std::string::npos);
     PlatformSetLogThreshold(TRACE_LEVEL_ERROR);
 }

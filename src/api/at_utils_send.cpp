@@ -8,6 +8,7 @@
 #include <climits>
 #include <cstring>
 
+#include "api/conventions.h"
 #include "api/srv_msg_owner.h"
 #include "atapi/at_link.h"
 #include "atapi/at_parse.h"
@@ -25,14 +26,11 @@ void SetErrCode(int32_t *errCode, int32_t value) {
     if (errCode != nullptr) *errCode = value;
 }
 
-bool IsCauseError(int32_t retVal) {
-    return retVal == AT_RET_CME_ERROR || retVal == AT_RET_CMS_ERROR;
-}
-
 int32_t ToTimeout(uint32_t timeoutSec) {
     return static_cast<int32_t>(std::min<uint32_t>(timeoutSec, INT32_MAX));
 }
 
+using atapi::api::IsCauseError;
 using atapi::api::OwnedSrvMsg;
 
 // Result of the simple calls for a delivered reply; the error text is not

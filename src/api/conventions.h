@@ -8,6 +8,11 @@
 
 namespace atapi::api {
 
+// The cmdType values of the functions that query, set or test one setting.
+inline constexpr int32_t kQueryForm = 0;
+inline constexpr int32_t kSetForm = 1;
+inline constexpr int32_t kTestForm = 2;
+
 // An error reply that carries a cause: +CME ERROR or +CMS ERROR.
 constexpr bool IsCauseError(int32_t retVal) {
     return retVal == AT_RET_CME_ERROR || retVal == AT_RET_CMS_ERROR;

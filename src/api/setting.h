@@ -8,13 +8,9 @@
 #include <cstdint>
 
 #include "api/command.h"
+#include "api/conventions.h"
 
 namespace atapi::api {
-
-// The cmdType values of the query-set-test functions.
-inline constexpr uint32_t kQueryForm = 0;
-inline constexpr uint32_t kSetForm = 1;
-inline constexpr uint32_t kTestForm = 2;
 
 // The test form of a setting that has none.
 inline constexpr CommandDescription kNoTest{.format = nullptr};

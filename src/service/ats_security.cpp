@@ -16,8 +16,6 @@ using namespace atapi::api;
 constexpr char kTraceSrc[] = "atapi/src/ats_security";
 constexpr char kFormatFailed[] = "snprintf_s failed";
 
-constexpr uint32_t kOpQuery = 0;
-constexpr uint32_t kOpSet = 1;
 constexpr uint32_t kPinTimeoutSec = 5;  // every ^CPIN and +CLCK exchange
 
 constexpr CommandDescription kCpinQuery = Reads("AT+CPIN?", "+CPIN", module::kPin);
@@ -76,43 +74,43 @@ int32_t SetForm(const Command &cmd, int32_t &errorId,
 extern "C" {
 
 int32_t AtPinManagement(uint32_t op, const char *pin, const char *newPin, CpinInfo *r) {
-    if (op == kOpQuery) {
+    if (op == kQueryForm) {
         AT_LOG_INFO("enter");
         if (r == nullptr) return -1;
         return QueryForm(Command(kCpinQuery), kCpinFields, *r, "ret = [%d]");
     }
-    if (op != kOpSet || pin == nullptr || r == nullptr) return -1;
+    if (op != kSetForm || pin == nullptr || r == nullptr) return -1;
     const bool replace = newPin != nullptr && newPin[0] != '\0';
     return SetForm(replace ? Command(kCpinReplace, pin, newPin) : Command(kCpinEnter, pin),
                    r->errorId, "ret = [%d], atExeResult= %d");
 }
 
 int32_t AtPinManagementEx(uint32_t op, const char *pin, const char *newPin, CpinExInfo *r) {
-    if (op == kOpQuery) {
+    if (op == kQueryForm) {
         AT_LOG_INFO("enter");
         if (r == nullptr) return -1;
         return QueryForm(Command(kCpinExQuery), kCpinExFields, *r, "ret = %d");
     }
-    if (op != kOpSet || pin == nullptr || r == nullptr) return -1;
+    if (op != kSetForm || pin == nullptr || r == nullptr) return -1;
     return SetForm(
         newPin != nullptr ? Command(kCpinExReplace, pin, newPin) : Command(kCpinExEnter, pin),
         r->errorId);
 }
 
 int32_t AtSimLock(uint32_t op, const char *code, CardLockInfo *r) {
-    if (op == kOpQuery) {
+    if (op == kQueryForm) {
         AT_LOG_INFO("enter");
         if (r == nullptr) return -1;
         return QueryForm(Command(kCardLockQuery), kCardLockFields, *r, "ret = [%d]");
     }
-    if (op != kOpSet || code == nullptr || r == nullptr) return -1;
+    if (op != kSetForm || code == nullptr || r == nullptr) return -1;
     return SetForm(Command(kCardLockUnlock, code), r->errorId);
 }
 
 int32_t AtPinEnableDisableCmd(uint32_t op, ClckRequest *q, ClckResult *r) {
     if (q == nullptr || r == nullptr) return -1;
     AT_LOG_INFO("enter");
-    if (op != kOpSet) return -1;
+    if (op != kSetForm) return -1;
     if (std::strcmp(q->mode, "2") == 0) {
         return QueryForm(Command(kClckQuery, q->fac, q->mode), kClckFields, *r, "ret = [%d]");
     }

@@ -12,10 +12,6 @@
 
 namespace atapi::call {
 
-// cmdType of the query-or-set functions.
-inline constexpr int32_t kQuery = 0;
-inline constexpr int32_t kSet = 1;
-
 // The exchange of the call module's commands: a line that did not fit logs
 // formatError (a format taking the formatter's result, -1, or no argument)
 // and sends nothing.

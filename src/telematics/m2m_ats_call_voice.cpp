@@ -101,9 +101,9 @@ int32_t QueryOrSetValue(const ValueCommands &c, int32_t cmdType, int32_t *value)
     }
     AT_LOG_INFO(c.enterLog, *value, cmdType);
     switch (cmdType) {
-        case kQuery:
+        case kQueryForm:
             return QueryValue(c, *value);
-        case kSet:
+        case kSetForm:
             return CallReply(Command(c.set, *value), c.formatError).Result();
         default:
             AT_LOG_ERR("operate value error\n");
@@ -130,12 +130,12 @@ int32_t AtsSmut(int32_t cmdType, int32_t *mode) {
 int32_t AtsNsSwitch(int32_t cmdType, AtSwitchModeInfo *info) {
     if (info == nullptr) return -1;
     info->errorId = AT_ERRID_NOT_COMPLETED;
-    if (cmdType == kQuery) {
+    if (cmdType == kQueryForm) {
         CallReply reply(Command(kNsQuery), "AT^NSSWITCH, snprintf_s error, ret:%d\n");
         return QueryOutcome(reply, kNsQuery, kSwitchFields, *info, info->errorId,
                             RowPolicy::kNeedsRow);
     }
-    if (cmdType != kSet) return -1;
+    if (cmdType != kSetForm) return -1;
     CallReply reply(Command(kNsSet, info->switchMode), "AT^NSSWITCH, snprintf_s error, ret:%d\n");
     if (reply.Status() != 0) return reply.Status();
     const int32_t ret = SetOutcome(reply, info->errorId);
@@ -146,14 +146,14 @@ int32_t AtsNsSwitch(int32_t cmdType, AtSwitchModeInfo *info) {
 int32_t AtEchoSwitch(int32_t cmdType, AtSwitchModeInfo *info) {
     if (info == nullptr) return -1;
     info->errorId = AT_ERRID_NOT_COMPLETED;
-    if (cmdType == kQuery) {
+    if (cmdType == kQueryForm) {
         CallReply reply(Command(kEchoQuery), "AT^ECHOSWITCH, snprintf_s error, ret:%d\n");
         const int32_t ret = QueryOutcome(reply, kEchoQuery, kSwitchFields, *info, info->errorId,
                                          RowPolicy::kNeedsRowOnly);
         if (reply.CauseError()) AT_LOG_ERR("AT^ECHOSWITCH? errorcode(%d)\n", info->errorId);
         return ret;
     }
-    if (cmdType != kSet) {
+    if (cmdType != kSetForm) {
         AT_LOG_ERR("AT^ECHOSWITCH=%d, error cmdType(%d)\n", info->switchMode, cmdType);
         return -1;
     }
@@ -171,14 +171,14 @@ int32_t AtEchoSwitch(int32_t cmdType, AtSwitchModeInfo *info) {
 int32_t AtsEchoEx(int32_t cmdType, AtEchoExParam *param) {
     if (param == nullptr) return -1;
     param->errorId = AT_ERRID_NOT_COMPLETED;
-    if (cmdType == kQuery) {
+    if (cmdType == kQueryForm) {
         CallReply reply(Command(kEchoExQuery), "AT^ECHOEX, snprintf_s error, ret:%d\n");
         const int32_t ret = QueryOutcome(reply, kEchoExQuery, kEchoExFields, *param, param->errorId,
                                          RowPolicy::kNeedsRow);
         if (reply.Status() == 0 && !reply.Ok()) AT_LOG_ERR("ECHOEX=%d, error\n", reply.RetVal());
         return ret;
     }
-    if (cmdType != kSet) return -1;
+    if (cmdType != kSetForm) return -1;
     CallReply reply(Command(kEchoExSet, param->enable, param->time, param->singleLen,
                             param->singleDec, param->doubleDec),
                     "AT^ECHOEX, snprintf_s error, ret:%d\n");
@@ -219,8 +219,8 @@ int32_t AtCpcm(int32_t cmdType, AtCpcmParam *cpcmParam) {
         AT_LOG_ERR(" AtCpcm invalid param!\n");
         return -1;
     }
-    if (cmdType == kQuery) return AtCpcmCheck(cpcmParam);
-    if (cmdType == kSet) return AtCpcmExecute(cpcmParam);
+    if (cmdType == kQueryForm) return AtCpcmCheck(cpcmParam);
+    if (cmdType == kSetForm) return AtCpcmExecute(cpcmParam);
     AT_LOG_ERR("AtCpcm invalid cmd type\n");
     return -1;
 }

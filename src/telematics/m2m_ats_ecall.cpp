@@ -193,8 +193,8 @@ int32_t AtEclMode(int32_t cmdType, int32_t *mode) {
         AT_LOG_ERR("AtEclMode NULL mode\n");
         return -1;
     }
-    if (cmdType == kQuery) return CheckMode(*mode);
-    if (cmdType == kSet) return ExecuteMode(*mode);
+    if (cmdType == kQueryForm) return CheckMode(*mode);
+    if (cmdType == kSetForm) return ExecuteMode(*mode);
     AT_LOG_ERR("AtEclMode invalid cmd type\n");
     return -1;
 }
@@ -204,8 +204,8 @@ int32_t AtsEclImsCfg(int32_t cmdType, AtsEclImsCfgInfo *imsData) {
         AT_LOG_ERR("AtsEclImsCfg NULL imsData");
         return -1;
     }
-    if (cmdType == kSet) return SetImsCfg(*imsData);
-    if (cmdType == kQuery) return QueryImsCfg(*imsData) == 0 ? 0 : -1;
+    if (cmdType == kSetForm) return SetImsCfg(*imsData);
+    if (cmdType == kQueryForm) return QueryImsCfg(*imsData) == 0 ? 0 : -1;
     AT_LOG_ERR("AtsEclImsCfg invalid cmd type, cmdType = %d", cmdType);
     return -1;
 }

@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "api/command.h"
+#include "api/conventions.h"
 #include "atapi/at_parse.h"
 #include "link/at_log.h"
 #include "telematics/m2m_ats_v2x_read.h"
@@ -18,8 +19,6 @@ using namespace atapi::v2x;
 
 constexpr char kTraceSrc[] = "atapi/src/m2m_ats_v2x";
 constexpr int32_t kV2xModule = 31;
-constexpr int32_t kQuery = 0;
-constexpr int32_t kSet = 1;
 constexpr uint32_t kModeLimit = 2;
 constexpr int32_t kSingleReplySize = 1532;
 
@@ -155,8 +154,8 @@ int32_t AtsV2xModeCfg(int32_t cmdType, AtsV2xModeCfgInfo *v2xModeCfg) {
             AT_LOG_ERR("v2xModeCfg is NULL");
             return -1;
         }
-        if (cmdType == kSet) return SetMode(*v2xModeCfg);
-        if (cmdType != kQuery) {
+        if (cmdType == kSetForm) return SetMode(*v2xModeCfg);
+        if (cmdType != kQueryForm) {
             AT_LOG_ERR("[%s] invalid cmd type, cmdType = %d", kTag, cmdType);
             return -1;
         }
